@@ -19,11 +19,11 @@ struct TBPValidationRule {
 
 template <class T>
 class TBPParseTree : public TBPParseNode<T> {
-    typedef TBPParseNode<T> Node;
-    typedef TBPToken<T> Token;
     friend class TBPParseNode<T>;
 
 public:
+    typedef TBPParseNode<T> Node;
+    typedef TBPToken<T> Token;
     typedef TBPValidationRule<T> Rule;
 
     explicit TBPParseTree(T nodeType) : Node(nodeType) {}

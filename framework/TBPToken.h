@@ -11,9 +11,8 @@
 
 template <class T>
 class TBPToken : public TBPParseNode<T> {
-    typedef TBPParseNode<T> Node;
-
 public:
+    typedef TBPParseNode<T> Node;
     typedef quernbase::QBArray<TBPToken*> TokenList;
 
     TBPToken(T tokenType, const BPSourcePosition& where, uint32_t spellingLength,

@@ -180,11 +180,18 @@ int TBPTokenSource<T>::pushToken(Token* token) {
 template <class T>
 int TBPTokenSource<T>::pushTokens(const TokenList& tokens) {
     if (tokens.count() == 0) return 0;
+    if (!tokens[0]) return Node::ERR_NULLARG;
     TBPTokenQueue<T> ahead;
     for (unsigned i = 1; i < tokens.count(); ++i)
         if (int rc = ahead.append(tokens[i])) return rc;
+    if (current) {
+        if (int rc = ahead.append(current)) return rc;
+        releaseToRecycle(current);
+    }
     prependToPushback(ahead);
-    return pushToken(tokens[0]);
+    tokens[0]->addRef();
+    current = tokens[0];
+    return 0;
 }
 
 // A source that reads another source.
