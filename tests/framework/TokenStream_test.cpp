@@ -6,6 +6,7 @@
 #include <sstream>
 #include <string>
 
+#include "CPTreeTokenSource.h"
 #include "CPWhitespaceFilter.h"
 #include "QBMemory.h"
 #include "support/FrameworkTestKit.h"
@@ -355,7 +356,7 @@ TEST(TokenSource, ListSourceAndTreeSourceGiveBackTheSameText) {
     root->addChild(group);
     root->addChild(nullptr);
     for (unsigned i = 0; i < tokens.count(); ++i) (i < 4 ? group : root)->addChild(tokens[i]);
-    auto* walker = new TBPTreeTokenSource<CPParseNodeType>(root);
+    auto* walker = new CPTreeTokenSource(root);
     walker->addRef();
     EXPECT_EQ(str(drainText(*walker)), input);
     EXPECT_EQ(walker->restart(root), 0);

@@ -4,7 +4,7 @@ using quernbase::QBString;
 
 BPSourceHandle testText(const char* text, unsigned length, const char* fileName) {
     BPSourceHandle handle;
-    handle.setText(QBString(text, length));
+    if (handle.setText(QBString(text, length)) != 0) return BPSourceHandle();
     handle->fileName = fileName;
     return handle;
 }
