@@ -28,11 +28,17 @@ int resolve(Callback which) {
     return qbIsMacroFunction(handle) ? handle : 0;
 }
 
-// The macro's result, left in variable 1; a call the host refused gives its status.
-int call(int handle, int argCount, const QBArgRecord* args) {
-    int rc = qbCallMacroFunction(0, handle, argCount, args);
-    if (rc < 0) return rc;
-    return qbVarGetInt(QBVAR_RESULT);
+// The macro's result, left in variable 1. A call that the host refused, because the function
+// has gone since it was found, made no answer: the caller then acts as for a missing function.
+bool call(int handle, int argCount, const QBArgRecord* args, int& answer) {
+    if (qbCallMacroFunction(0, handle, argCount, args) < 0) return false;
+    answer = qbVarGetInt(QBVAR_RESULT);
+    return true;
+}
+
+int callOr(int missing, int handle, int argCount, const QBArgRecord* args) {
+    int answer = missing;
+    return call(handle, argCount, args, answer) ? answer : missing;
 }
 
 QBArgRecord intArg(int64_t value, int tag = QBARG_INT32) { return QBArgRecord{tag, value}; }
@@ -46,14 +52,14 @@ int qbRefactorMessage(const char* text, int flag) {
     int handle = resolve(MESSAGE);
     if (!handle) return 0;
     QBArgRecord args[] = {textArg(text), intArg(flag)};
-    return call(handle, 2, args);
+    return callOr(0, handle, 2, args);
 }
 
 int qbRefactorProgress(int64_t current, int64_t total) {
     int handle = resolve(PROGRESS);
     if (!handle) return 0;
     QBArgRecord args[] = {intArg(current, QBARG_INT64), intArg(total, QBARG_INT64)};
-    return call(handle, 2, args);
+    return callOr(0, handle, 2, args);
 }
 
 int qbRefactorFileMessage(const char* fileName, int index, int count) {
@@ -61,7 +67,7 @@ int qbRefactorFileMessage(const char* fileName, int index, int count) {
     int handle = resolve(FILE_MESSAGE);
     if (!handle) return 0;
     QBArgRecord args[] = {textArg(fileName), intArg(index), intArg(count)};
-    return call(handle, 3, args);
+    return callOr(0, handle, 3, args);
 }
 
 int qbRefactorLocateFile(int transactionHandle, const char* sourceFile, const char* includedFile,
@@ -72,7 +78,7 @@ int qbRefactorLocateFile(int transactionHandle, const char* sourceFile, const ch
     int var = qbVarNewTemp(0);
     QBArgRecord args[] = {intArg(transactionHandle), textArg(sourceFile), textArg(includedFile),
                           intArg(var, QBARG_VAR)};
-    int result = call(handle, 4, args);
+    int result = callOr(0, handle, 4, args);
     const char* found = qbVarGetString(var);
     if (buffer && size > 0 && found) {
         int n = 0;
@@ -87,7 +93,7 @@ int showFileErrors(int transactionId, const char* fileName) {
     int handle = resolve(SHOW_ERRORS);
     if (!handle) return QBR_ERR_NO_SHOW_ERRORS;
     QBArgRecord args[] = {intArg(transactionId), textArg(fileName)};
-    return call(handle, 2, args);
+    return callOr(QBR_ERR_NO_SHOW_ERRORS, handle, 2, args);
 }
 
 int promptToSkip(int transactionId, const char* fileName, int status) {
@@ -99,7 +105,7 @@ int promptToSkip(int transactionId, const char* fileName, int status) {
     int handle = resolve(PROMPT_TO_SKIP);
     if (!handle) return status;
     QBArgRecord args[] = {textArg(fileName)};
-    return call(handle, 1, args);
+    return callOr(status, handle, 1, args);
 }
 
 int sendMessage(int code) { return qbRefactorMessage(getMessage(code), 0); }
