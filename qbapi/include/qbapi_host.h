@@ -90,6 +90,11 @@ const char* qbHostWindowText(int wid, size_t* length);
 int qbHostWindowSetText(int wid, const char* text, size_t length);
 int qbHostWindowSetCursor(int wid, size_t offset);
 
+// ---- Messages ---------------------------------------------------------------------------------
+// The raw text of a message number from $QBROOT/qbedit.qbb, read once; parameters are not filled.
+// An unknown number gives the text of 0; an unusable file, a text that says so with its path.
+const char* qbHostMessageText(int code);
+
 // ---- Output -----------------------------------------------------------------------------------
 // Where qbShowText and qbPrint go; stdout when no sink is set. A shown text arrives with its
 // line end. Null restores stdout.

@@ -79,7 +79,7 @@ bool parseParams(const std::string& list, Signature& out) {
         out.params.push_back(p);
         start = i + 1;
     }
-    return true;
+    return depth == 0;
 }
 
 }  // namespace
