@@ -126,7 +126,10 @@ int preprocessFile(QBRefactorTransaction* t, CPParser* parser, QBString& out,
     return parser->getErrorCount() > 0 ? QBR_ERR_FILE_HAS_ERRORS : 0;
 }
 
-int parseAllFiles(int handle) {
+// The walk of both commands: each live parser in order, a changed file passed over, and every
+// parser released behind its file.
+template <class RunFile>
+int walkFiles(int handle, RunFile runFile) {
     QBRefactorTransaction* t = findTransaction(handle);
     if (!t) return QBR_ERR_NO_TRANSACTION;
     int answer = 0;
@@ -134,29 +137,26 @@ int parseAllFiles(int handle) {
         CPParser* parser = t->parsers[i];
         if (!parser) continue;
         int status = 0;
-        if (!t->modifiedFiles.contains(parser->fileName)) status = parseFile(t, parser, true);
+        if (!t->modifiedFiles.contains(parser->fileName)) status = runFile(t, parser);
         if (int rc = afterFile(t, int(i), status, answer)) return rc;
     }
     return 0;
 }
 
+int parseAllFiles(int handle) {
+    return walkFiles(handle, [](QBRefactorTransaction* t, CPParser* parser) {
+        return parseFile(t, parser, true);
+    });
+}
+
+// Each file's text goes into the window behind its banner, whatever became of it.
 int preprocessAllFiles(int handle, int wid, int addLineMarkers) {
-    QBRefactorTransaction* t = findTransaction(handle);
-    if (!t) return QBR_ERR_NO_TRANSACTION;
-    int answer = 0;
-    for (unsigned i = 0; i < t->parsers.count(); ++i) {
-        CPParser* parser = t->parsers[i];
-        if (!parser) continue;
-        int status = 0;
-        if (!t->modifiedFiles.contains(parser->fileName)) {
-            QBString text;
-            if (text.setCapacity(PREPROCESS_RESERVE) < 0) return QBR_ERR_NO_MEMORY;
-            QBString name = parser->fileName;
-            status = preprocessFile(t, parser, text, addLineMarkers != 0);
-            int inserted = appendBanner(wid, name, text);
-            if (inserted < 0 && status >= 0) status = inserted;
-        }
-        if (int rc = afterFile(t, int(i), status, answer)) return rc;
-    }
-    return 0;
+    return walkFiles(handle, [wid, addLineMarkers](QBRefactorTransaction* t, CPParser* parser) {
+        QBString text;
+        if (text.setCapacity(PREPROCESS_RESERVE) < 0) return int(QBR_ERR_NO_MEMORY);
+        QBString name = parser->fileName;
+        int status = preprocessFile(t, parser, text, addLineMarkers != 0);
+        int inserted = appendBanner(wid, name, text);
+        return inserted < 0 && status >= 0 ? inserted : status;
+    });
 }
