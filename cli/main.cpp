@@ -3,6 +3,7 @@
 #include <cstdio>
 #include <cstring>
 
+#include "ConfigCommand.h"
 #include "ParseCommand.h"
 
 namespace {
@@ -17,6 +18,7 @@ struct Subcommand {
 const Subcommand subcommands[] = {
     {"parse", "parse and analyse files, and report their errors", cli::runParseCommand},
     {"preprocess", "write the preprocessed text of files", cli::runPreprocessCommand},
+    {"config", "list, show, add, delete or detect compiler configurations", runConfigCommand},
 };
 
 void help() {
