@@ -35,10 +35,12 @@ class Outcome:
         return None
 
     def first_error_line(self):
-        text = (self.err + b"\n" + self.out).decode("utf-8", "replace")
-        for line in text.splitlines():
-            if line.strip():
-                return line.strip()[:300]
+        """The first line that says "error", else the first line on stderr, else the status."""
+        err = self.err.decode("utf-8", "replace").splitlines()
+        out = self.out.decode("utf-8", "replace").splitlines()
+        lines = [l.strip() for l in err + out if "error" in l] + [l.strip() for l in err if l.strip()]
+        if lines:
+            return "exit status %d: %s" % (self.status, lines[0][:300])
         return "exit status %d, no message" % self.status
 
 
