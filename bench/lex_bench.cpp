@@ -90,7 +90,7 @@ void BM_Scanner(benchmark::State& state) {
         tokens = 0;
         for (auto& t : corpus()) {
             CPScanCursor s{t.c_str(), t.c_str() + t.size(), 0, 0, 0};
-            while (cpScanToken(s) != CP_EOF) ++tokens;
+            while (cpScanToken(s) != CPT_EOF) ++tokens;
         }
         benchmark::DoNotOptimize(tokens);
     }

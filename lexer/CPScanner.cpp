@@ -29,7 +29,7 @@ struct Scan {
     int garbage(int taken) {
         p += taken;
         s.pendingError = ERR_GARBAGE;
-        return CP_GARBAGE_CHAR;
+        return CPT_GARBAGE_CHAR;
     }
     // Takes a line end, a carriage return and line feed counting as one.
     void takeLineEnd() {
@@ -75,7 +75,7 @@ int Scan::identifier() {
             while (isHex(*p)) ++p;
             continue;
         }
-        return CP_IDENTIFIER;
+        return CPT_IDENTIFIER;
     }
 }
 
@@ -84,7 +84,7 @@ int Scan::word() {
     const char* start = p;
     while (cpIsIdentifierChar(uint8_t(*p))) ++p;
     int kind = keywordKind(start, unsigned(p - start));
-    return kind == CP_IDENTIFIER ? identifier() : kind;
+    return kind == CPT_IDENTIFIER ? identifier() : kind;
 }
 
 // L"..." L'...' L#  and  S"..." S#: p is on the letter.
@@ -101,10 +101,10 @@ int Scan::prefixed(int stringKind, int charKind) {
     if (next == '#') {
         if (at(2) == '#') {  // L##x pastes: the letter alone is a name
             ++p;
-            return CP_IDENTIFIER;
+            return CPT_IDENTIFIER;
         }
         p += 2;
-        return CP_POUND;
+        return CPT_POUND;
     }
     return word();
 }
@@ -171,7 +171,7 @@ int Scan::lineComment() {
             ++p;
             continue;
         }
-        return CP_LINE_COMMENT;
+        return CPT_LINE_COMMENT;
     }
 }
 
@@ -181,11 +181,11 @@ int Scan::blockComment() {
         char c = *p;
         if (c == '*' && at(1) == '/') {
             p += 2;
-            return CP_BLOCK_COMMENT;
+            return CPT_BLOCK_COMMENT;
         }
         if (atEnd()) {
             s.pendingError = ERR_OPEN_COMMENT;
-            return CP_BLOCK_COMMENT;
+            return CPT_BLOCK_COMMENT;
         }
         if (c == '\n' || (c == '\r' && at(1) != '\n')) ++s.line;
         ++p;
@@ -198,35 +198,35 @@ int Scan::suffix() {
     if (c == 'L' || c == 'l') {
         ++p;
         if (*p == 'L' || *p == 'l' || *p == 'U' || *p == 'u') ++p;
-        return CP_LONG;
+        return CPT_LONG;
     }
     if (c == 'U' || c == 'u') {
         char n = at(1);
         if (n == 'L' || n == 'l') {
             p += 2;
             if (*p == 'L' || *p == 'l') ++p;
-            return CP_LONG;
+            return CPT_LONG;
         }
         ++p;
-        if (n != 'I' && n != 'i') return CP_INTEGER;
+        if (n != 'I' && n != 'i') return CPT_INTEGER;
         c = n;
     }
     if (c == 'I' || c == 'i') {
         char d1 = at(1), d2 = at(2);
         if ((d1 == '1' && d2 == '6') || (d1 == '3' && d2 == '2')) {
             p += 3;
-            return CP_INTEGER;
+            return CPT_INTEGER;
         }
         if (d1 == '6' && d2 == '4') {
             p += 3;
-            return CP_LONG;
+            return CPT_LONG;
         }
         if (d1 == '8') {
             p += 2;
-            return CP_INTEGER;
+            return CPT_INTEGER;
         }
     }
-    return CP_INTEGER;
+    return CPT_INTEGER;
 }
 
 // p at the fraction's dot or the exponent mark.
@@ -244,13 +244,13 @@ int Scan::floating(bool hex) {
     }
     if (*p == 'l' || *p == 'L') {
         ++p;
-        return CP_LONG_DOUBLE;
+        return CPT_LONG_DOUBLE;
     }
     if (*p == 'f' || *p == 'F') {
         ++p;
-        return CP_FLOAT;
+        return CPT_FLOAT;
     }
-    return CP_DOUBLE;
+    return CPT_DOUBLE;
 }
 
 // p on the 0. An octal run stops at 8, 9 and a dot: 09 is two numbers, 01.5 is 01 and .5.
@@ -279,14 +279,14 @@ int Scan::pound(int taken) {
     p += taken;
     if (*p == '#') {
         ++p;
-        return CP_POUND_POUND;
+        return CPT_POUND_POUND;
     }
     if (at(0) == '?' && at(1) == '?') {
         if (at(2) != '=') return garbage(2);
         p += 3;
-        return CP_POUND_POUND;
+        return CPT_POUND_POUND;
     }
-    return CP_POUND;
+    return CPT_POUND;
 }
 
 // | ??! and what may follow them: taken is the length of the first part.
@@ -294,45 +294,45 @@ int Scan::orBar(int taken) {
     p += taken;
     if (*p == '|') {
         ++p;
-        return CP_OR_OR;
+        return CPT_OR_OR;
     }
     if (*p == '=') {
         ++p;
-        return CP_OR_EQUALS;
+        return CPT_OR_EQUALS;
     }
     if (at(0) == '?' && at(1) == '?') {
         if (at(2) != '!') return garbage(2);
         p += 3;
-        return CP_OR_OR;
+        return CPT_OR_OR;
     }
-    return CP_OR;
+    return CPT_OR;
 }
 
 // p on the first ?; only ?? followed by one of !'()-/<=> makes a trigraph.
 int Scan::trigraph() {
     if (at(1) != '?') {
         ++p;
-        return CP_QUESTION;
+        return CPT_QUESTION;
     }
     switch (at(2)) {
-    case '<': p += 3; return CP_LEFT_BRACE;
-    case '>': p += 3; return CP_RIGHT_BRACE;
-    case '(': p += 3; return CP_LEFT_BRACKET;
-    case ')': p += 3; return CP_RIGHT_BRACKET;
-    case '-': p += 3; return CP_TILDE;
-    case '/': p += 3; return CP_BACKSLASH;
+    case '<': p += 3; return CPT_LEFT_BRACE;
+    case '>': p += 3; return CPT_RIGHT_BRACE;
+    case '(': p += 3; return CPT_LEFT_BRACKET;
+    case ')': p += 3; return CPT_RIGHT_BRACKET;
+    case '-': p += 3; return CPT_TILDE;
+    case '/': p += 3; return CPT_BACKSLASH;
     case '=': return pound(3);
     case '!': return orBar(3);
     case '\'':
         p += 3;
         if (*p == '=') {
             ++p;
-            return CP_CAROT_EQUALS;
+            return CPT_CAROT_EQUALS;
         }
-        return CP_CAROT;
+        return CPT_CAROT;
     default:
         ++p;
-        return CP_QUESTION;
+        return CPT_QUESTION;
     }
 }
 
@@ -342,17 +342,17 @@ int Scan::percent() {
     if (n == ':') {
         if (at(2) == '%' && at(3) == ':') {
             p += 4;
-            return CP_POUND_POUND;
+            return CPT_POUND_POUND;
         }
         if (at(2) == ':') {
             ++p;
-            return CP_PERCENT;
+            return CPT_PERCENT;
         }
         p += 2;
-        return CP_POUND;
+        return CPT_POUND;
     }
     p += n == '=' || n == '>' ? 2 : 1;
-    return n == '=' ? CP_PERCENT_EQUALS : (n == '>' ? CP_RIGHT_BRACE : CP_PERCENT);
+    return n == '=' ? CPT_PERCENT_EQUALS : (n == '>' ? CPT_RIGHT_BRACE : CPT_PERCENT);
 }
 
 // < << <<= <= <? <: <% ; <:: not followed by > is a less-than, so that a<::b> works.
@@ -362,21 +362,21 @@ int Scan::less() {
     case '<':
         if (at(2) == '=') {
             p += 3;
-            return CP_LT_LT_EQUALS;
+            return CPT_LT_LT_EQUALS;
         }
         p += 2;
-        return CP_LT_LT;
-    case '=': p += 2; return CP_LT_EQUALS;
-    case '?': p += 2; return CP_LT_QUESTION;
-    case '%': p += 2; return CP_LEFT_BRACE;
+        return CPT_LT_LT;
+    case '=': p += 2; return CPT_LT_EQUALS;
+    case '?': p += 2; return CPT_LT_QUESTION;
+    case '%': p += 2; return CPT_LEFT_BRACE;
     case ':':
         if (at(2) == ':' && at(3) != '>') {
             ++p;
-            return CP_LT;
+            return CPT_LT;
         }
         p += 2;
-        return CP_LEFT_BRACKET;
-    default: ++p; return CP_LT;
+        return CPT_LEFT_BRACKET;
+    default: ++p; return CPT_LT;
     }
 }
 
@@ -385,17 +385,17 @@ int Scan::greater() {
     if (n == '>') {
         if (at(2) == '=') {
             p += 3;
-            return CP_GT_GT_EQUALS;
+            return CPT_GT_GT_EQUALS;
         }
         p += 2;
-        return CP_GT_GT;
+        return CPT_GT_GT;
     }
     if (n == '=' || n == '?') {
         p += 2;
-        return n == '=' ? CP_GT_EQUALS : CP_GT_QUESTION;
+        return n == '=' ? CPT_GT_EQUALS : CPT_GT_QUESTION;
     }
     ++p;
-    return CP_GT;
+    return CPT_GT;
 }
 
 // . .* ... and a dot that starts a number. Two dots are a dot and another token.
@@ -404,14 +404,14 @@ int Scan::dot() {
     if (isDigit(n)) return floating(false);
     if (n == '*') {
         p += 2;
-        return CP_DOT_STAR;
+        return CPT_DOT_STAR;
     }
     if (n == '.' && at(2) == '.') {
         p += 3;
-        return CP_ELLIPSE;
+        return CPT_ELLIPSE;
     }
     ++p;
-    return CP_DOT;
+    return CPT_DOT;
 }
 
 // Punctuators whose spelling starts with c, longest match first.
@@ -422,15 +422,15 @@ int Scan::punctuator(char c) {
         return kind;
     };
     switch (c) {
-    case '{': return take(1, CP_LEFT_BRACE);
-    case '}': return take(1, CP_RIGHT_BRACE);
-    case '[': return take(1, CP_LEFT_BRACKET);
-    case ']': return take(1, CP_RIGHT_BRACKET);
-    case '(': return take(1, CP_LEFT_PAREN);
-    case ')': return take(1, CP_RIGHT_PAREN);
-    case ';': return take(1, CP_SEMICOLON);
-    case ',': return take(1, CP_COMMA);
-    case '~': return take(1, CP_TILDE);
+    case '{': return take(1, CPT_LEFT_BRACE);
+    case '}': return take(1, CPT_RIGHT_BRACE);
+    case '[': return take(1, CPT_LEFT_BRACKET);
+    case ']': return take(1, CPT_RIGHT_BRACKET);
+    case '(': return take(1, CPT_LEFT_PAREN);
+    case ')': return take(1, CPT_RIGHT_PAREN);
+    case ';': return take(1, CPT_SEMICOLON);
+    case ',': return take(1, CPT_COMMA);
+    case '~': return take(1, CPT_TILDE);
     case '?': return trigraph();
     case '#': return pound(1);
     case '|': return orBar(1);
@@ -438,26 +438,26 @@ int Scan::punctuator(char c) {
     case '<': return less();
     case '>': return greater();
     case '.': return dot();
-    case ':': return n == ':' ? take(2, CP_COLON_COLON) : (n == '>' ? take(2, CP_RIGHT_BRACKET)
-                                                                   : take(1, CP_COLON));
-    case '+': return n == '+' ? take(2, CP_PLUS_PLUS) : (n == '=' ? take(2, CP_PLUS_EQUALS)
-                                                                 : take(1, CP_PLUS));
+    case ':': return n == ':' ? take(2, CPT_COLON_COLON) : (n == '>' ? take(2, CPT_RIGHT_BRACKET)
+                                                                   : take(1, CPT_COLON));
+    case '+': return n == '+' ? take(2, CPT_PLUS_PLUS) : (n == '=' ? take(2, CPT_PLUS_EQUALS)
+                                                                 : take(1, CPT_PLUS));
     case '-':
-        if (n == '>') return at(2) == '*' ? take(3, CP_DASH_GT_STAR) : take(2, CP_DASH_GT);
-        return n == '-' ? take(2, CP_MINUS_MINUS) : (n == '=' ? take(2, CP_MINUS_EQUALS)
-                                                             : take(1, CP_MINUS));
-    case '*': return n == '=' ? take(2, CP_STAR_EQUALS) : take(1, CP_STAR);
+        if (n == '>') return at(2) == '*' ? take(3, CPT_DASH_GT_STAR) : take(2, CPT_DASH_GT);
+        return n == '-' ? take(2, CPT_MINUS_MINUS) : (n == '=' ? take(2, CPT_MINUS_EQUALS)
+                                                             : take(1, CPT_MINUS));
+    case '*': return n == '=' ? take(2, CPT_STAR_EQUALS) : take(1, CPT_STAR);
     case '/':
         if (n == '/' || n == '*') {
             p += 2;
             return n == '/' ? lineComment() : blockComment();
         }
-        return n == '=' ? take(2, CP_SLASH_EQUALS) : take(1, CP_SLASH);
-    case '^': return n == '=' ? take(2, CP_CAROT_EQUALS) : take(1, CP_CAROT);
-    case '&': return n == '&' ? take(2, CP_AND_AND) : (n == '=' ? take(2, CP_AND_EQUALS)
-                                                                : take(1, CP_AND));
-    case '!': return n == '=' ? take(2, CP_NOT_EQUALS) : take(1, CP_NOT);
-    case '=': return n == '=' ? take(2, CP_EQUALS_EQUALS) : take(1, CP_EQUALS);
+        return n == '=' ? take(2, CPT_SLASH_EQUALS) : take(1, CPT_SLASH);
+    case '^': return n == '=' ? take(2, CPT_CAROT_EQUALS) : take(1, CPT_CAROT);
+    case '&': return n == '&' ? take(2, CPT_AND_AND) : (n == '=' ? take(2, CPT_AND_EQUALS)
+                                                                : take(1, CPT_AND));
+    case '!': return n == '=' ? take(2, CPT_NOT_EQUALS) : take(1, CPT_NOT);
+    case '=': return n == '=' ? take(2, CPT_EQUALS_EQUALS) : take(1, CPT_EQUALS);
     default: return garbage(1);
     }
 }
@@ -470,26 +470,26 @@ int cpScanToken(CPScanCursor& scan) {
     char c = *p;
     switch (c) {
     case 0:
-        if (s.atEnd()) return CP_EOF;
+        if (s.atEnd()) return CPT_EOF;
         return s.garbage(1);
     case ' ': case '\t': case '\f': case '\v': case 26:
         ++p;
         while (isBlank(*p)) ++p;
-        return CP_WHITESPACE;
+        return CPT_WHITESPACE;
     case '\n': case '\r':
         s.takeLineEnd();
-        return CP_NEWLINE;
-    case '"': ++p; return s.literal('"', CP_STRING);
-    case '\'': ++p; return s.literal('\'', CP_CHARACTER);
-    case 'L': return s.prefixed(CP_WIDE_STRING, CP_WIDE_CHARACTER);
-    case 'S': return s.prefixed(CP_STRING, 0);
+        return CPT_NEWLINE;
+    case '"': ++p; return s.literal('"', CPT_STRING);
+    case '\'': ++p; return s.literal('\'', CPT_CHARACTER);
+    case 'L': return s.prefixed(CPT_WIDE_STRING, CPT_WIDE_CHARACTER);
+    case 'S': return s.prefixed(CPT_STRING, 0);
     case '0': return s.leadingZero();
     case '1': case '2': case '3': case '4': case '5': case '6': case '7': case '8': case '9':
         return s.decimal();
     case '\\':
         if (s.at(1) == 'u' || s.at(1) == 'U') return s.identifier();
         ++p;
-        return CP_BACKSLASH;
+        return CPT_BACKSLASH;
     default:
         break;
     }

@@ -18,7 +18,7 @@ struct CPScanCursor {
     int pendingWarning;
 };
 
-// Scans one token and returns its kind. At the terminator it returns CP_EOF and does not move.
+// Scans one token and returns its kind. At the terminator it returns CPT_EOF and does not move.
 int cpScanToken(CPScanCursor& scan);
 
 // True for the characters an identifier continues with: _ $ letters digits.

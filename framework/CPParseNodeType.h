@@ -2,15 +2,15 @@
 // (181 to 401). Token rows come from CPTokenKinds.def.
 #pragma once
 
-enum CPParseNodeType {
+enum CPParseNodeType : int {
 #define TOKEN(number, name, print) name = number,
 #define KEYWORD(number, name, print) name = number,
 #include "CPTokenKinds.def"
 #undef TOKEN
 #undef KEYWORD
-    CP_LAST_TOKEN = 180,
-    CP_FIRST_NODE = 181,
-    CP_NODE_TYPE_COUNT = 402,
+    CPT_LAST_TOKEN = 180,
+    CPT_FIRST_NODE = 181,
+    CPT_LAST = 401,
 };
 
 // The print name of a token kind; null for a number that has none.

@@ -2,7 +2,7 @@
 
 namespace {
 struct KindNames {
-    const char* names[CP_LAST_TOKEN + 1] = {};
+    const char* names[CPT_LAST_TOKEN + 1] = {};
     KindNames() {
 #define TOKEN(number, name, print) names[number] = print;
 #define KEYWORD(number, name, print) names[number] = print;
@@ -15,5 +15,5 @@ const KindNames kindNames;
 }  // namespace
 
 const char* cpTokenKindName(int type) {
-    return type >= 0 && type <= CP_LAST_TOKEN ? kindNames.names[type] : nullptr;
+    return type >= 0 && type <= CPT_LAST_TOKEN ? kindNames.names[type] : nullptr;
 }
