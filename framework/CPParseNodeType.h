@@ -1,6 +1,8 @@
 // CPParseNodeType: the one enumeration that numbers both tokens (0 to 180) and tree nodes
-// (181 to 401). Token rows come from CPTokenKinds.def.
+// (181 to 401). Token rows come from CPTokenKinds.def; numbers 0 to 12 are the framework's own.
 #pragma once
+
+#include "TBPParseNode.h"
 
 enum CPParseNodeType : int {
 #define TOKEN(number, name, print) name = number,
@@ -12,6 +14,9 @@ enum CPParseNodeType : int {
     CPT_FIRST_NODE = 181,
     CPT_LAST = 401,
 };
+
+static_assert(int(CPT_EOF) == BPTOKEN_EOF && int(CPT_GARBAGE_CHAR) == BPTOKEN_GARBAGE_CHAR,
+              "the framework's token numbers start the table");
 
 // The print name of a token kind; null for a number that has none.
 const char* cpTokenKindName(int type);

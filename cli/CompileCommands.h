@@ -1,0 +1,43 @@
+// A project's compile_commands.json, read into the options that the engine takes per file:
+// include directories, -D and -U definitions and forced includes.
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace qbcli {
+
+struct CompileOptions {
+    std::string file;       // absolute and normalized
+    std::string directory;  // where the compiler ran; relative paths are taken from here
+    std::vector<std::string> userIncludes;    // -I, -iquote; absolute
+    std::vector<std::string> systemIncludes;  // -isystem, -idirafter; absolute
+    std::vector<std::string> macroOptions;    // "-DNAME", "-DNAME=VALUE", "-UNAME" in order
+    std::vector<std::string> forcedIncludes;  // -include; absolute
+};
+
+// The strings refactor_add_file takes: include lists joined with ';' and the definition options
+// as blank-separated tokens, a token with blanks in double quotes.
+struct AddFileArguments {
+    std::string userIncludePath;
+    std::string systemIncludePath;
+    std::string defineOptions;
+};
+
+// Reads DIR/compile_commands.json (or the file itself when path names a file). False with error
+// when it can't be read or isn't a compilation database.
+bool readCompileCommands(const std::string& path, std::vector<CompileOptions>& entries,
+                         std::string& error);
+// The entry of a file, found by its absolute path (symbolic links resolved); null when the
+// database has none. With several entries for a file, the first counts.
+const CompileOptions* findCompileOptions(const std::vector<CompileOptions>& entries,
+                                         const std::string& fileName);
+
+// A command line split as a POSIX shell does: blanks, quotes and backslashes.
+std::vector<std::string> splitCommandLine(const std::string& command);
+// The options of one compiler invocation (arguments[0] is the compiler).
+CompileOptions optionsFromArguments(const std::vector<std::string>& arguments,
+                                    const std::string& directory, const std::string& file);
+AddFileArguments toAddFileArguments(const CompileOptions& options);
+
+}  // namespace qbcli

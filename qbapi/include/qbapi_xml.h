@@ -1,0 +1,69 @@
+// The host's XML documents: open, create, edit and save documents addressed by handle, their
+// nodes addressed by index.
+//
+// A handle is above 0. Node index 0 is the document itself; every other node gets the next free
+// index the first time an operation hands it out, and keeps it until it is deleted, so indices
+// held by a caller stay valid while other nodes come and go. Results below 0 are statuses.
+#pragma once
+
+#include "QBArray.h"
+#include "QBString.h"
+
+enum QBXMLStatus {
+    QBXML_ERR_FILE_NOT_FOUND = -2,
+    QBXML_ERR_NOMEM = -8,
+    QBXML_ERR_WRITE = -36,             // the file could not be written whole
+    QBXML_ERR_INVALID_ARGUMENT = -3015,
+    QBXML_ERR_NOT_FOUND = -3022,       // no such element or attribute
+    QBXML_ERR_READ = -3041,            // the file exists but could not be read
+    QBXML_ERR_SYNTAX = -3042,          // the file is not well-formed XML
+    QBXML_ERR_INVALID_HANDLE = -3043,
+    QBXML_ERR_INVALID_INDEX = -3044,   // no node with that index, or it was deleted
+    QBXML_ERR_SECOND_ROOT = -3045,     // a document holds one root element
+};
+
+// Kinds of node for qbXMLCFGAddNode.
+enum QBXMLNodeKind {
+    QBXML_ELEMENT_WITH_CHILDREN = 1,
+    QBXML_ELEMENT = 2,
+    QBXML_DOCTYPE = 32,  // name is the declaration's text, e.g. "DOCTYPE root SYSTEM \"url\""
+};
+
+extern "C" {
+
+// Reads a document; the handle, or a status that is also stored in *status. options is reserved
+// (callers pass 0 and 2).
+int qbXMLCFGOpen(const char* fileName, int* status, int reserved, int options);
+// A new empty document that saves under name. capacityHint and options are reserved.
+int qbXMLCFGCreate(const char* name, int capacityHint, int options);
+int qbXMLCFGClose(int handle);
+// Writes the document under fileName (null: its own name) with an XML declaration when
+// declaration is 1. The file is replaced whole or not at all. indent -1 is two blanks.
+int qbXMLCFGSave(int handle, int indent, int declaration, const char* fileName, int encoding,
+                 int reserved1, int reserved2);
+// The first child element of parent with that name.
+int qbXMLCFGFindElement(int handle, const char* name, int parent, int flags);
+// A child of parent (-1 position appends). Gives the new node's index.
+int qbXMLCFGAddNode(int handle, int parent, const char* name, int position, int kind, int flags);
+// Removes the node with its subtree; their indices become invalid.
+int qbXMLCFGDeleteNode(int handle, int index, int flags);
+// valueLength -1 reads value up to its terminator.
+int qbXMLCFGSetAttribute(int handle, int index, const char* name, const char* value,
+                         int valueLength, int flags);
+
+// A line of text for a status of these operations.
+const char* qbXMLCFGStatusText(int status);
+// Where and why the last failed open stopped, e.g. "line 3, column 7: mismatched end tag";
+// empty when the last open succeeded.
+const char* qbXMLCFGLastErrorDetail();
+}
+
+// The nodes that a path of element names leads to, in document order, appended to nodes after
+// clearing it. A path starting with '/' begins at the document, any other at parent. Gives the
+// number found.
+int qbXMLCFGFindNodes(int handle, const char* path, int parent, quernbase::QBArray<int>& nodes);
+// The attribute's value, or defaultValue when the node lacks it.
+quernbase::QBString qbXMLCFGGetAttributeString(int handle, int index, const char* name,
+                                               const quernbase::QBString& defaultValue);
+int qbXMLCFGSetAttributeString(int handle, int index, const char* name,
+                               const quernbase::QBString& value, int flags);
