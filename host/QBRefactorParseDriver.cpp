@@ -1,0 +1,162 @@
+#include "QBRefactorParseDriver.h"
+
+#include "BPHostMessages.h"
+#include "CPParser.h"
+#include "QBRefactorCallbacks.h"
+#include "QBRefactorStatus.h"
+#include "QBRefactorTransaction.h"
+#include "QBRefactorWindow.h"
+
+using quernbase::QBString;
+
+namespace {
+
+enum { PREPROCESS_RESERVE = 4194304, BANNER_WIDTH = 70 };
+
+int indexOfParser(QBRefactorTransaction* t, CPParser* parser) {
+    for (unsigned i = 0; i < t->parsers.count(); ++i)
+        if (t->parsers[i] == parser) return int(i);
+    return -1;
+}
+
+// The file's place in the walk goes to the host; a negative answer ends the file.
+int announceFile(QBRefactorTransaction* t, CPParser* parser) {
+    int answer = qbRefactorFileMessage(parser->fileName.get(), indexOfParser(t, parser) + 1,
+                                       int(t->parsers.count()));
+    return answer < 0 ? answer : 0;
+}
+
+int startStage(CPParser* parser, int message) {
+    if (parser->reportProgress(0, 100, 0) < 0) return QBR_ERR_CANCELLED;
+    if (parser->reportMessage(BPHostMessages::getMessage(message), 0) < 0)
+        return QBR_ERR_CANCELLED;
+    return 0;
+}
+
+// Shows the file's messages when asked to and there are only warnings.
+void showWarnings(QBRefactorTransaction* t, CPParser* parser, bool showErrors) {
+    if (showErrors && parser->getWarningCount() > 0) showFileErrors(t->id, parser->fileName.get());
+}
+
+int analyze(QBRefactorTransaction* t, CPParser* parser, bool showErrors) {
+    if (parser->reportMessage(BPHostMessages::getMessage(QBR_MSG_ANALYZING), 0) < 0)
+        return QBR_ERR_CANCELLED;
+    int first = parser->analyzeFirstPass();
+    if (first == QBR_ERR_CANCELLED) return first;
+    parser->reportMessage(BPHostMessages::getMessage(QBR_MSG_FINISHING_ANALYSIS), 0);
+    int second = parser->analyzeSecondPass();
+    if (first >= 0 && second >= 0) return 0;
+    if (second == QBR_ERR_CANCELLED) return second;
+    t->storeErrors(parser);
+    if (parser->getErrorCount() == 0) {
+        showWarnings(t, parser, showErrors);
+        return 0;
+    }
+    return QBR_ERR_FILE_HAS_ERRORS;
+}
+
+// What a failing file does to the walk: a cancel ends it, and otherwise the host is asked once
+// whether to go on. The parser is released in every case.
+int afterFile(QBRefactorTransaction* t, int index, int status, int& answer) {
+    CPParser* parser = t->parsers[unsigned(index)];
+    int result = 0;
+    if (status == QBR_ERR_CANCELLED) {
+        result = status;
+    } else if (status < 0 && answer == 0) {
+        answer = promptToSkip(t->id, parser->fileName.get(), status);
+        if (answer < 0) result = answer;
+    }
+    int released = t->releaseParser(index);
+    return result < 0 ? result : released;
+}
+
+int appendBanner(int wid, const QBString& fileName, const QBString& text) {
+    QBString out;
+    QBString rule;
+    if (rule.pad(BANNER_WIDTH, '/') < 0) return QBR_ERR_NO_MEMORY;
+    out.append(rule);
+    out.append("\n// ");
+    out.append(fileName);
+    out.append('\n');
+    out.append(rule);
+    out.append('\n');
+    if (out.append(text) < 0) return QBR_ERR_NO_MEMORY;
+    return qbRefactorInsertText(wid, out.get(), int(out.length()));
+}
+
+}  // namespace
+
+int refreshSourceCache(QBRefactorTransaction* transaction) {
+    // Clears each cached source's include-once mark; the cache comes with the framework, and
+    // until then there is nothing cached to refresh.
+    (void)transaction;
+    return 0;
+}
+
+int parseFile(QBRefactorTransaction* t, CPParser* parser, bool showErrors) {
+    if (!parser) return QBR_ERR_NO_PARSER;
+    if (parser->hasOutputTree()) return 0;
+    if (int rc = announceFile(t, parser)) return rc;
+    if (refreshSourceCache(t) < 0) return QBR_ERR_FILE_HAS_ERRORS;
+    if (int rc = startStage(parser, QBR_MSG_PARSING)) return rc;
+    int status = parser->parse();
+    if (status == QBR_ERR_CANCELLED) return status;
+    if (status < 0) {
+        t->storeErrors(parser);
+        if (parser->getErrorCount() == 0) showWarnings(t, parser, showErrors);
+    }
+    if (status >= 0 || parser->getErrorCount() == 0) {
+        int rc = analyze(t, parser, showErrors);
+        if (rc != QBR_ERR_FILE_HAS_ERRORS) return rc;
+    }
+    showFileErrors(t->id, parser->fileName.get());
+    return QBR_ERR_FILE_HAS_ERRORS;
+}
+
+int preprocessFile(QBRefactorTransaction* t, CPParser* parser, QBString& out,
+                   bool addLineMarkers) {
+    if (!parser) return QBR_ERR_NO_PARSER;
+    if (int rc = announceFile(t, parser)) return rc;
+    if (refreshSourceCache(t) < 0) return QBR_ERR_FILE_HAS_ERRORS;
+    if (int rc = startStage(parser, QBR_MSG_PREPROCESSING)) return rc;
+    int status = parser->preprocess(out, addLineMarkers);
+    if (status >= 0) return 0;
+    if (status == QBR_ERR_CANCELLED) return status;
+    showFileErrors(t->id, parser->fileName.get());
+    return parser->getErrorCount() > 0 ? QBR_ERR_FILE_HAS_ERRORS : 0;
+}
+
+// The walk of both commands: each live parser in order, a changed file passed over, and every
+// parser released behind its file.
+template <class RunFile>
+int walkFiles(int handle, RunFile runFile) {
+    QBRefactorTransaction* t = findTransaction(handle);
+    if (!t) return QBR_ERR_NO_TRANSACTION;
+    int answer = 0;
+    for (unsigned i = 0; i < t->parsers.count(); ++i) {
+        CPParser* parser = t->parsers[i];
+        if (!parser) continue;
+        int status = 0;
+        if (!t->modifiedFiles.contains(parser->fileName)) status = runFile(t, parser);
+        if (int rc = afterFile(t, int(i), status, answer)) return rc;
+    }
+    return 0;
+}
+
+int parseAllFiles(int handle) {
+    return walkFiles(handle, [](QBRefactorTransaction* t, CPParser* parser) {
+        return parseFile(t, parser, true);
+    });
+}
+
+// Each file's text goes into the window behind its banner, whatever became of it.
+int preprocessAllFiles(int handle, int wid, int addLineMarkers) {
+    return walkFiles(handle, [wid, addLineMarkers](QBRefactorTransaction* t, CPParser* parser) {
+        QBString text;
+        if (text.setCapacity(PREPROCESS_RESERVE) < 0) return int(QBR_ERR_NO_MEMORY);
+        QBString name = parser->fileName;
+        int status = preprocessFile(t, parser, text, addLineMarkers != 0);
+        int inserted = appendBanner(wid, name, text);
+        return inserted < 0 && status >= 0 ? inserted : status;
+    });
+}

@@ -1,0 +1,204 @@
+#include "CPParser.h"
+
+#include <new>
+
+#include "BPHostMessages.h"
+#include "qbapi.h"
+
+using quernbase::QBArray;
+using quernbase::QBString;
+
+namespace {
+
+enum { ERR_NO_MEMORY = -8, ERR_CANCELLED = -2038, ERR_INVALID_ARGUMENT = -3015,
+       ERR_NO_ROOT = -8024, MSG_ERROR_PREFIX = -8000, MSG_WARNING_PREFIX = -8015 };
+
+QBString decimal(int value) {
+    QBString s;
+    s.append(value);
+    return s;
+}
+
+}  // namespace
+
+CPParser::CPParser() {}
+
+CPParser::~CPParser() {
+    for (ErrorRecord* r : errors) delete r;
+}
+
+// ---- Preprocessor settings ----------------------------------------------------------------
+// They are kept here until the preprocessor exists to take them.
+
+int CPParser::addIncludePath(QBArray<QBString>& list, const QBString& path) {
+    QBString entry(path);
+    if (entry.strip(" \t") < 0) return ERR_NO_MEMORY;
+    if (entry.beginsWith("-I") || entry.beginsWith("/I")) {
+        if (entry.remove(0, 2) < 0 || entry.strip(" \t") < 0) return ERR_NO_MEMORY;
+    }
+    if (entry.isEmpty()) return 0;
+    return list.add(entry);
+}
+
+int CPParser::addUserIncludePath(const QBString& path) {
+    return addIncludePath(userIncludePaths, path);
+}
+
+int CPParser::addSystemIncludePath(const QBString& path) {
+    return addIncludePath(systemIncludePaths, path);
+}
+
+// Only the option's kind is checked here: -D and -U (or /D, /U), or a bare definition. Reading
+// the definition itself is the preprocessor's.
+int CPParser::addDefineOption(const QBString& option) {
+    QBString text(option);
+    char first = text.first_char();
+    if (text.length() >= 2 && (first == '"' || first == '\'') && text.last_char() == first) {
+        text = text.sub(1, text.length() - 2);
+    }
+    first = text.first_char();
+    if (first == '-' || first == '/') {
+        char kind = text.charAt(1);
+        if (kind != 'D' && kind != 'U') return ERR_INVALID_ARGUMENT;
+    }
+    return defines.add(text);
+}
+
+int CPParser::setConfigFile(const QBString& path) {
+    QBString text;
+    int rc = qbReadFileToString(path, text, 0, 0, 2);
+    if (rc < 0) return rc;
+    configFile = path;
+    return 0;
+}
+
+// ---- The pipeline -------------------------------------------------------------------------
+
+int CPParser::open(const QBString& name) {
+    fileName = name;
+    // The text is read straight from the host until the shared source cache takes this over.
+    QBString text;
+    int rc = qbReadFileToString(name, text, 0, 0, 2);
+    if (rc < 0) return rc;
+    sourceText = text;
+    sourceLoaded = true;
+    return 0;
+}
+
+int CPParser::parse() {
+    if (cancelled) return ERR_CANCELLED;
+    int rc = open(fileName);
+    if (rc < 0) {
+        // A file that can't be read is reported against itself, so the user learns why.
+        if (logError(rc, 2, fileName) == ERR_NO_MEMORY) return ERR_NO_MEMORY;
+        return rc;
+    }
+    // Not yet there: the lexer, the preprocessor's trees and the grammar. No tree is made.
+    return cancelled ? ERR_CANCELLED : 0;
+}
+
+int CPParser::preprocess(QBString& out, bool addLineMarkers) {
+    (void)addLineMarkers;
+    int rc = open(fileName);
+    if (rc < 0) {
+        if (logError(rc, 2, fileName) == ERR_NO_MEMORY) return ERR_NO_MEMORY;
+        return rc;
+    }
+    // Not yet there: the preprocessor's writePreprocessedText, which fills out.
+    return out.append('\n');
+}
+
+int CPParser::analyzeFirstPass() {
+    // Analysis runs on the root, which the grammar (not yet there) makes.
+    return ERR_NO_ROOT;
+}
+
+int CPParser::analyzeSecondPass() { return ERR_NO_ROOT; }
+
+// ---- Messages -----------------------------------------------------------------------------
+
+int CPParser::logError(int code, int severity, const QBString& argument) {
+    ErrorRecord* r = new (std::nothrow) ErrorRecord;
+    if (!r) return ERR_NO_MEMORY;
+    r->code = code;
+    r->severity = severity;
+    // File, line, column, code: a file that couldn't be read has no position inside it.
+    int rc = r->arguments.add(fileName);
+    if (rc >= 0) rc = r->arguments.add(QBString("0"));
+    if (rc >= 0) rc = r->arguments.add(QBString("0"));
+    if (rc >= 0) rc = r->arguments.add(decimal(code));
+    if (rc >= 0) rc = r->arguments.add(argument);
+    if (rc >= 0) rc = errors.add(r);
+    if (rc < 0) delete r;
+    return rc < 0 ? ERR_NO_MEMORY : 0;
+}
+
+int CPParser::collectAllErrors() {
+    // The trees' own messages join these once the trees exist.
+    return 0;
+}
+
+int CPParser::getErrorCount() const {
+    int n = 0;
+    for (const ErrorRecord* r : errors) n += r->severity >= 2 ? 1 : 0;
+    return n;
+}
+
+int CPParser::getWarningCount() const {
+    int n = 0;
+    for (const ErrorRecord* r : errors) n += r->severity == 1 ? 1 : 0;
+    return n;
+}
+
+// The prefix takes file, line, column and code; the message's own arguments follow from slot 0.
+int CPParser::formatRecord(const ErrorRecord& record, QBString& out) const {
+    unsigned n = record.arguments.count();
+    for (unsigned i = 0; i < 4 && i < n; ++i)
+        BPHostMessages::setMessageParameter(int(i), record.arguments[i].get());
+    int prefix = record.severity == 1 ? MSG_WARNING_PREFIX : MSG_ERROR_PREFIX;
+    if (out.append(BPHostMessages::getMessage(prefix)) < 0) return ERR_NO_MEMORY;
+    for (unsigned i = 4; i < n; ++i)
+        BPHostMessages::setMessageParameter(int(i - 4), record.arguments[i].get());
+    return out.append(BPHostMessages::getMessage(record.code)) < 0 ? ERR_NO_MEMORY : 0;
+}
+
+int CPParser::getErrorTexts(QBArray<QBString>& out) const {
+    for (const ErrorRecord* r : errors) {
+        QBString text;
+        if (formatRecord(*r, text) < 0) return ERR_NO_MEMORY;
+        if (text.isNotEmpty() && out.add(text) < 0) return ERR_NO_MEMORY;
+    }
+    return 0;
+}
+
+// ---- Host callbacks -----------------------------------------------------------------------
+
+int CPParser::reportMessage(const char* text, int flag) {
+    if (cancelled) return ERR_CANCELLED;
+    if (!messageCallback) return 0;
+    int answer = messageCallback(text, flag);
+    if (answer < 0) cancelled = true;
+    return answer;
+}
+
+// Phases share one bar: preprocessing the first third, parsing up to five sixths, analysis the
+// rest.
+int CPParser::reportProgress(int64_t current, int64_t total, int phase) {
+    if (cancelled) return ERR_CANCELLED;
+    if (!progressCallback) return 0;
+    int64_t sentCurrent = current, sentTotal = total;
+    if (phase == 1) sentTotal = total * 3;
+    if (phase == 2) sentCurrent = current + (total * 2) / 3, sentTotal = total * 2;
+    if (phase == 3) sentCurrent = current + total * 5, sentTotal = total * 6;
+    int answer = progressCallback(sentCurrent, sentTotal);
+    if (answer < 0) cancelled = true;
+    return answer;
+}
+
+int CPParser::locateFile(const char* includeName, char* buffer, int size) {
+    if (buffer && size > 0) buffer[0] = 0;
+    if (!locateFileCallback) return 0;
+    int answer = locateFileCallback(transactionId, fileName.get(), includeName, buffer, size);
+    if (answer == ERR_CANCELLED) cancelled = true;
+    return answer;
+}
