@@ -13,7 +13,10 @@
 #include <sys/stat.h>
 #include <vector>
 
+#include "BPSourceText.h"
+#include "CPLexer.h"
 #include "CPScanner.h"
+#include "CPWhitespaceFilter.h"
 
 namespace {
 
@@ -98,6 +101,58 @@ void BM_Scanner(benchmark::State& state) {
     state.counters["tokens"] = double(tokens);
 }
 BENCHMARK(BM_Scanner)->Unit(benchmark::kMillisecond);
+
+// Source records made once, as the source cache would hold them.
+const std::vector<BPSourceHandle>& sources() {
+    static std::vector<BPSourceHandle> all = [] {
+        std::vector<BPSourceHandle> v;
+        for (auto& t : corpus()) {
+            BPSourceHandle h;
+            h.setText(quernbase::QBString(t.data(), unsigned(t.size())));
+            v.push_back(h);
+        }
+        return v;
+    }();
+    return all;
+}
+
+// The lexer proper: token objects from the pool, positions, pending messages.
+void BM_Lexer(benchmark::State& state) {
+    size_t tokens = 0;
+    for (auto _ : state) {
+        tokens = 0;
+        for (auto& h : sources()) {
+            CPLexer* lexer = new CPLexer(h, 0);
+            lexer->addRef();
+            while (TBPToken<CPParseNodeType>* t = lexer->nextToken()) {
+                ++tokens;
+                if (t->getType() == CPT_EOF) break;
+            }
+            lexer->release();
+        }
+    }
+    state.SetBytesProcessed(state.iterations() * corpusBytes());
+    state.counters["tokens"] = double(tokens);
+}
+BENCHMARK(BM_Lexer)->Unit(benchmark::kMillisecond);
+
+// What the preprocessor reads: the lexer behind the whitespace filter.
+void BM_LexerFiltered(benchmark::State& state) {
+    for (auto _ : state) {
+        for (auto& h : sources()) {
+            CPLexer* lexer = new CPLexer(h, 0);
+            lexer->addRef();
+            CPWhitespaceFilter* filter = new CPWhitespaceFilter(lexer);
+            filter->addRef();
+            while (TBPToken<CPParseNodeType>* t = filter->nextToken())
+                if (t->getType() == CPT_EOF) break;
+            filter->release();
+            lexer->release();
+        }
+    }
+    state.SetBytesProcessed(state.iterations() * corpusBytes());
+}
+BENCHMARK(BM_LexerFiltered)->Unit(benchmark::kMillisecond);
 
 }  // namespace
 
