@@ -4,6 +4,7 @@
 #include <cstring>
 
 #include "ConfigCommand.h"
+#include "LexCommand.h"
 #include "ParseCommand.h"
 
 namespace {
@@ -18,6 +19,7 @@ struct Subcommand {
 const Subcommand subcommands[] = {
     {"parse", "parse and analyse files, and report their errors", cli::runParseCommand},
     {"preprocess", "write the preprocessed text of files", cli::runPreprocessCommand},
+    {"lex", "list the tokens of files, or check that they give the files back", cli::runLexCommand},
     {"config", "list, show, add, delete or detect compiler configurations", runConfigCommand},
 };
 

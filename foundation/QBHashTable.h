@@ -99,7 +99,7 @@ public:
     // Copies of the keys in bucket order, from new[]; the caller deletes with delete[].
     // Null for an empty table or when memory runs out.
     K* keys() const {
-        if (itemCount == 0) return nullptr;
+        if (itemCount <= 0) return nullptr;
         K* out = new (std::nothrow) K[size_t(itemCount)];
         if (!out) return nullptr;
         int i = 0;

@@ -1,7 +1,6 @@
 #include "QBMemory.h"
 
 #include <cstdlib>
-#include <malloc.h>
 #include <new>
 
 namespace quernbase {
@@ -21,10 +20,6 @@ void* QBAllocator::allocate(size_t size) {
 }
 
 void QBAllocator::deallocate(void* block) { std::free(block); }
-
-size_t QBAllocator::numBytesAllocated(const void* block) {
-    return block ? malloc_usable_size(const_cast<void*>(block)) : 0;
-}
 
 void QBAllocator::failAllocationAfter(unsigned n) { failCountdown = n; }
 

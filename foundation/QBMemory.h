@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstddef>
+#include <malloc.h>
 #include <new>
 
 namespace quernbase {
@@ -12,7 +13,10 @@ class QBAllocator {
 public:
     static void* allocate(size_t size);
     static void deallocate(void* block);
-    static size_t numBytesAllocated(const void* block);
+    // Inline: arrays ask it on every add.
+    static size_t numBytesAllocated(const void* block) {
+        return block ? malloc_usable_size(const_cast<void*>(block)) : 0;
+    }
 
     // Fault injection for tests: the n-th allocation from now (1 = the next one) fails, and every
     // later one succeeds again. 0 turns it off.

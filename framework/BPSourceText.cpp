@@ -29,8 +29,7 @@ bool isBlankOrTab(char c) { return c == ' ' || c == '\t' || c == '\v'; }
 
 }  // namespace
 
-BPSourceHandle& BPSourceHandle::operator=(const BPSourceHandle& other) {
-    if (record == other.record) return *this;
+BPSourceHandle& BPSourceHandle::assignOther(const BPSourceHandle& other) {
     BPSourceText* old = record;
     record = other.record;
     retain();

@@ -37,7 +37,10 @@ public:
     BPSourceHandle() : record(nullptr) {}
     BPSourceHandle(const BPSourceHandle& other) : record(other.record) { retain(); }
     ~BPSourceHandle() { drop(); }
-    BPSourceHandle& operator=(const BPSourceHandle& other);
+    // Inline: positions are copied for every token, nearly always within one source.
+    BPSourceHandle& operator=(const BPSourceHandle& other) {
+        return record == other.record ? *this : assignOther(other);
+    }
 
     bool isNull() const { return record == nullptr; }
     BPSourceText* get() const { return record; }
@@ -72,6 +75,7 @@ private:
         if (record) ++record->refCount;
     }
     void drop();
+    BPSourceHandle& assignOther(const BPSourceHandle& other);
     int adoptText(const quernbase::QBString& text);
 };
 

@@ -192,6 +192,9 @@ void TBPLexer<T>::skipBlockComment(const char* close, long closeLength) {
 // Skips what the mode says gives no token; false at the terminator.
 template <class T>
 bool TBPLexer<T>::skipIgnored() {
+    const int skipping = BPLEX_NO_WHITESPACE | BPLEX_NO_NEWLINES | BPLEX_SKIP_C_COMMENTS |
+                         BPLEX_HASH_COMMENTS | BPLEX_PASCAL_COMMENTS | BPLEX_MARKUP_COMMENTS;
+    if (!(mode & skipping)) return !atEnd();  // a main file: every character makes a token
     for (;;) {
         if (atEnd()) return false;
         char c = *top->cursor;
@@ -251,7 +254,7 @@ TBPToken<T>* TBPLexer<T>::produce(T type, const BPSourcePosition& start, uint32_
     if (token) token->reinitialize(type, start, length, fileOrigin);
     else token = makeToken(type, start, length, fileOrigin);
     if (!token) return nullptr;
-    if (!(mode & BPLEX_QUIET)) {
+    if (!(mode & BPLEX_QUIET) && (pendingWarning || pendingError)) {
         BPSourcePosition here;
         if (top) here = *top;
         if (pendingWarning) token->logWarning(&here, pendingWarning);

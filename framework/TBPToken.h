@@ -26,15 +26,18 @@ public:
     // Makes a pooled token new again: another place, no text, no whitespace, no messages.
     void reinitialize(T tokenType, const BPSourcePosition& where, uint32_t spellingLength,
                       const BPSourcePosition& inFile) {
+        // The common case has nothing to free: test before each call, this runs per token.
         this->type = tokenType;
         this->parent = nullptr;
-        delete this->attributes;
-        this->attributes = nullptr;
+        if (this->attributes) {
+            delete this->attributes;
+            this->attributes = nullptr;
+        }
         position = where;
         filePosition = inFile;
         length = spellingLength;
-        text.makeNull();
-        clearWhitespace();
+        if (!text.isNull()) text.makeNull();
+        if (whitespace && whitespace->tokens.count()) clearWhitespace();
     }
 
     // The node interface.

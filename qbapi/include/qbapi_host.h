@@ -31,6 +31,9 @@ enum QBHostStatus {
 // The loader's own message, if any, is available from qbHostLastLoadError().
 int qbHostLoadModule(const char* path, int* registerStatus);
 const char* qbHostLastLoadError(void);
+// An exported function of a loaded module (the result of qbHostLoadModule), found by name, for
+// entry points that are not macro commands. Null when absent.
+void* qbHostModuleSymbol(int module, const char* name);
 
 // ---- Registered exports -----------------------------------------------------------------------
 enum QBHostParamType {

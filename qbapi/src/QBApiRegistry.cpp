@@ -191,4 +191,10 @@ int qbHostLoadModule(const char* path, int* registerStatus) {
 
 const char* qbHostLastLoadError(void) { return registry().loadError.c_str(); }
 
+void* qbHostModuleSymbol(int module, const char* name) {
+    Registry& r = registry();
+    if (module < 1 || module > int(r.modules.size()) || !name) return nullptr;
+    return dlsym(r.modules[size_t(module) - 1], name);
+}
+
 }  // extern "C"

@@ -1,0 +1,37 @@
+#include "CPLexer.h"
+
+#include "CPPreprocessorToken.h"
+#include "CPScanner.h"
+
+CPLexer::CPLexer(const BPSourceHandle& source, int mode)
+    : TBPLexer<CPParseNodeType>(source, mode) {
+    TBPParseNode<CPParseNodeType>::setTypeNameFunction(cpTokenKindName);
+}
+
+CPLexer::~CPLexer() = default;
+
+bool CPLexer::isIdentifierChar(int c) const { return cpIsIdentifierChar((unsigned char)c); }
+
+TBPToken<CPParseNodeType>* CPLexer::makeToken(CPParseNodeType type,
+                                              const BPSourcePosition& position, uint32_t length,
+                                              const BPSourcePosition& filePosition) {
+    return new (std::nothrow) CPPreprocessorToken(type, position, length, filePosition);
+}
+
+CPParseNodeType CPLexer::scanToken() {
+    const char* end = top ? top->source->end : nullptr;
+    if (!end || top->cursor >= end) {
+        // Normally the base stops at the terminator; a scan that starts there ends its source.
+        if (getSourceCount() < 2) return CPT_EOF;
+        popSource();
+        return CPT_EOS;
+    }
+    CPScanCursor scan{top->cursor, end, top->line, 0, 0};
+    int kind = cpScanToken(scan);
+    top->cursor = scan.cursor;
+    top->line = scan.line;
+    if (scan.pendingError) pendingError = scan.pendingError;
+    if (scan.pendingWarning) pendingWarning = scan.pendingWarning;
+    if (kind == CPT_NEWLINE && (mode & BPLEX_LINE_START_HOOK)) onLineStart();
+    return CPParseNodeType(kind);
+}
