@@ -5,7 +5,7 @@
 
 CPLexer::CPLexer(const BPSourceHandle& source, int mode)
     : TBPLexer<CPParseNodeType>(source, mode) {
-    TBPParseNode<CPParseNodeType>::setTypeNameFunction(cpTokenKindName);
+    TBPParseNode<CPParseNodeType>::setTypeNameFunction(cpParseNodeTypeName);
 }
 
 CPLexer::~CPLexer() = default;
