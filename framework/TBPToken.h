@@ -28,8 +28,7 @@ public:
                       const BPSourcePosition& inFile) {
         this->type = tokenType;
         this->parent = nullptr;
-        delete this->attributes;
-        this->attributes = nullptr;
+        this->dropAttributes();
         position = where;
         filePosition = inFile;
         length = spellingLength;
