@@ -228,6 +228,13 @@ private:
         return first != nullptr;
     }
     static int appendLocation(quernbase::QBString& out, const Token* token);
+    // Characters since the last line end, from 1 on every line.
+    static uint32_t columnOf(const BPSourcePosition& where) {
+        if (where.source.isNull() || !where.cursor) return 0;
+        const char* start = where.cursor;
+        while (start > where.source->begin && start[-1] != '\n' && start[-1] != '\r') --start;
+        return uint32_t(where.cursor - start) + 1;
+    }
     static int ownerDisplayName(const Tree* tree, quernbase::QBString& out);
     int dumpSymbol(quernbase::QBString& out, const quernbase::QBString& margin,
                    const Symbol* symbol, bool withReferences) const;
@@ -338,7 +345,7 @@ int TBPSymbolTable<T>::appendLocation(quernbase::QBString& out, const Token* tok
     out += "(";
     out.appendNumber(token->getLine(), 10);
     out += ",";
-    out.appendNumber(token->getColumn(0), 10);
+    out.appendNumber(columnOf(*token->getPosition()), 10);
     out += "):@";
     out.appendNumber(token->getSeekPosition(), 10);
     return out.append(":");
