@@ -122,13 +122,10 @@ template <class T>
 int TBPSymbolInfo<T>::addReference(Node* node) {
     if (!node) return 0;
     if (int rc = references.add(node)) return rc;
-    if (alias)
-        if (int rc = alias->addReference(node); rc < 0) return rc;
-    if (int rc = node->addReferringSymbol(this)) {
-        removeLast(node);  // keep the two sides symmetric
-        return rc;
-    }
-    return 0;
+    int rc = alias ? alias->addReference(node) : 0;
+    if (rc >= 0) rc = node->addReferringSymbol(this);
+    if (rc < 0) removeLast(node);  // an entry without its side-list twin would dangle
+    return rc < 0 ? rc : 0;
 }
 
 template <class T>

@@ -148,8 +148,8 @@ public:
     int makeAggregate(int aggregateKind);
     int addItem(const TBPValue& item);
 
-    // The value as source text: digits, true/false, L'x', the string's text, "(null)" for a
-    // missing box, "void".
+    // The value as source text: digits, true/false, 'c', L'x', the string's text, "%f" for
+    // floating kinds, "(null)" for a missing box, "void".
     int toText(quernbase::QBString& out) const;
     // One line per value (and per item of an aggregate), at most to indent 200.
     int dumpToString(quernbase::QBString& out, int indent, const char* label) const;

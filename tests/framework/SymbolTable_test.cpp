@@ -366,3 +366,42 @@ TEST_F(Scope, DisplayNamesFollowTheType) {
 }
 
 }  // namespace
+
+namespace {
+
+// Every allocation of a round of table work failing in turn: statuses come back, the two sides
+// of the reference graph stay symmetric, and nothing leaks.
+TEST(SymbolTableMemory, FailuresLeaveTheGraphSymmetric) {
+    for (unsigned n = 1; n < 40; ++n) {
+        TokenList tokens = lexTokens("a b");
+        auto* root = new TypedTestTree(NT_UNIT);
+        root->addRef();
+        for (Token* token : tokens) root->addChild(token);
+        releaseAll(tokens);
+        auto* symbol = new CPSymbolInfo("a", root, root);
+        auto* alias = new CPSymbolInfo("a", root, root);
+        quernbase::QBAllocator::failAllocationAfter(n);
+        int rc = root->addSymbol(symbol);
+        if (rc == 0) rc = root->addSymbol(alias);
+        for (Symbol* s : {static_cast<Symbol*>(symbol), static_cast<Symbol*>(alias)})
+            if (s->getRefCount() == 0) delete s;  // not taken by the table
+        if (rc == 0) rc = symbol->setAlias(alias);
+        if (rc == 0) rc = symbol->addReference(root->getChild(0));
+        Node* copy = rc == 0 ? root->clone() : nullptr;
+        quernbase::QBAllocator::failAllocationAfter(0);
+        Node* token = root->getChild(0);
+        unsigned listed = 0;
+        for (unsigned i = 0; rc == 0 && i < token->getReferringSymbolCount(); ++i)
+            listed += token->getReferringSymbol(i) == symbol || token->getReferringSymbol(i) == alias;
+        if (rc == 0) {
+            EXPECT_EQ(listed, symbol->getReferenceCount() + alias->getReferenceCount()) << n;
+        }
+        if (copy) {
+            copy->addRef();
+            copy->release();
+        }
+        root->release();
+    }
+}
+
+}  // namespace
