@@ -4,7 +4,10 @@
 #include "TBPErrorLog.h"
 #include "TBPLexer.h"
 #include "TBPParseTree.h"
+#include "TBPSymbolTable.h"
 #include "TBPTokenSource.h"
+#include "TBPTypeInfo.h"
+#include "TBPValue.h"
 
 template struct TBPErrorInfo<CPParseNodeType>;
 template class TBPErrorLog<CPParseNodeType>;
@@ -18,3 +21,7 @@ template class TBPTokenFilter<CPParseNodeType>;
 template class TBPArrayTokenSource<CPParseNodeType>;
 template class TBPTreeTokenSource<CPParseNodeType>;
 template class TBPLexer<CPParseNodeType>;
+template class TBPSymbolInfo<CPParseNodeType>;
+template class TBPSymbolTable<CPParseNodeType>;
+template class TBPTypeInfo<CPParseNodeType, CPSimpleTypeName>;
+template class TBPValue<CPParseNodeType>;

@@ -52,6 +52,7 @@ inline const char* BPCommonTypeName(int type) {
 
 template <class T> class TBPToken;
 template <class T> class TBPParseTree;
+template <class T> class TBPSymbolInfo;
 
 // The five message arguments of every record maker; absent ones are empty.
 #define BP_MESSAGE_ARGS                                                                     \
@@ -72,7 +73,7 @@ public:
     explicit TBPParseNode(T nodeType) : type(nodeType) {}
     TBPParseNode(const TBPParseNode&) = delete;
     TBPParseNode& operator=(const TBPParseNode&) = delete;
-    ~TBPParseNode() override { delete attributes; }
+    ~TBPParseNode() override { dropAttributes(); }
 
     // The virtual interface, in its fixed order.
     virtual TBPParseNode* clone() const = 0;
@@ -246,6 +247,25 @@ public:
                           d, e);
     }
 
+    // The symbols that name this node (a node may name several: a constructor call names the
+    // constructor and the class). Kept by TBPSymbolInfo, symmetric with its references.
+    unsigned getReferringSymbolCount() const { return attributes ? attributes->references.count() : 0; }
+    TBPSymbolInfo<T>* getReferringSymbol(unsigned i) const {
+        return i < getReferringSymbolCount() ? attributes->references[i] : nullptr;
+    }
+    int addReferringSymbol(TBPSymbolInfo<T>* symbol) {
+        ErrorLog* log = ensureAttributes();
+        return log ? log->references.add(symbol) : ERR_NOMEM;
+    }
+    // Takes out the last occurrence of symbol, if any.
+    void removeReferringSymbol(const TBPSymbolInfo<T>* symbol) {
+        for (unsigned i = getReferringSymbolCount(); i-- > 0;)
+            if (attributes->references[i] == symbol) {
+                attributes->references.removeAt(i);
+                return;
+            }
+    }
+
     // Drops one count without deleting at zero: for token pools, and for holders that hand
     // their count on. Gives the new count.
     int releaseKeep() { return --refCount; }
@@ -256,6 +276,15 @@ protected:
     ErrorLog* attributes = nullptr;
 
     const Tree* asTree() const { return static_cast<const Tree*>(this); }
+
+    // Frees attributes after taking this node out of every symbol that still names it.
+    void dropAttributes() {
+        if (!attributes) return;
+        for (unsigned n = attributes->references.count(); n-- > 0;)
+            attributes->references[n]->forgetReference(this);
+        delete attributes;
+        attributes = nullptr;
+    }
     Tree* asTree() { return static_cast<Tree*>(this); }
 
     int appendOwnErrors(quernbase::QBString& out) const {

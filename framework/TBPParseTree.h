@@ -4,9 +4,12 @@
 // leaves in order, which is how a file is written back after an edit.
 #pragma once
 
+#include "CPSimpleTypeName.h"
 #include "TBPToken.h"
 
 template <class T> class TBPSymbolTable;
+template <class T> class TBPSymbolInfo;
+template <class T, class S> class TBPTypeInfo;
 
 // One entry of a class's grammar rule list, ended by an entry with type 0 and no sub-list.
 // op: ' ' exactly one, '*' any number, '+' one or more, '?' at most one, '|' one of the sub-list.
@@ -25,16 +28,13 @@ public:
     typedef TBPParseNode<T> Node;
     typedef TBPToken<T> Token;
     typedef TBPValidationRule<T> Rule;
+    typedef TBPTypeInfo<T, CPSimpleTypeName> TypeInfo;
+    typedef quernbase::QBArray<TBPSymbolInfo<T>*> SymbolList;
 
     explicit TBPParseTree(T nodeType) : Node(nodeType) {}
     ~TBPParseTree() override {
-        for (unsigned n = children.count(); n-- > 0;) {
-            Node* child = children[n];
-            children.removeAt(n);
-            if (!child) continue;
-            if (child->getParent() == this) child->setParent(nullptr);
-            child->release();
-        }
+        dropChildren();
+        delete symbols;
     }
 
     // The node interface.
@@ -123,6 +123,32 @@ public:
     static int validate(Node* node, const Rule* rules);
     using Node::validate;
 
+    // The type embedded in this node. The framework's trees carry none; a language's tree base
+    // embeds its own type class, derived from TypeInfo, and answers with it.
+    virtual TypeInfo* getTypeInfo() { return nullptr; }
+
+    // Symbols of the scope this node opens (see TBPSymbolTable.h).
+    TBPSymbolTable<T>* getSymbolTable() const { return symbols; }
+    // Makes the table with that many buckets unless there is one. 0 or -8.
+    int reserveSymbols(int buckets);
+    // Makes the table on first use; a null symbol only makes it. Takes a count on symbol.
+    int addSymbol(TBPSymbolInfo<T>* symbol);
+    int addImport(TBPSymbolTable<T>* table);
+    // -3022 without a table; a symbol not listed is a success.
+    int removeSymbol(TBPSymbolInfo<T>* symbol);
+    // Into target's table, which becomes the symbol's scope. -8021 with a null argument.
+    int moveSymbol(TBPSymbolInfo<T>* symbol, TBPParseTree* target);
+    // The raw walk: this node's table with its imports, then each parent tree's, up to the
+    // first that has the name. -8020 if none has.
+    int findSymbols(const quernbase::QBString& name, SymbolList& out) const;
+    // The nearest non-empty entry of name, without imports; null if none.
+    SymbolList* findSymbolList(const quernbase::QBString& name) const;
+    // This table only: each entry whose first symbol's name begins with prefix.
+    int findSymbolsWithPrefix(const quernbase::QBString& prefix, SymbolList& out) const;
+    // Aliases the symbols of this tree (and with recursive, of its subtrees) to those of a
+    // structurally equal tree whose definitions start at the same seek positions.
+    int linkSymbols(const Node* other, bool recursive);
+
 protected:
     quernbase::QBArray<Node*> children;
     TBPSymbolTable<T>* symbols = nullptr;  // made by the symbol tables on first use
@@ -132,6 +158,20 @@ protected:
     TBPParseTree* cloneInto(TBPParseTree* copy) const;
 
 private:
+    void dropChildren() {
+        for (unsigned n = children.count(); n-- > 0;) {
+            Node* child = children[n];
+            children.removeAt(n);
+            if (!child) continue;
+            if (child->getParent() == this) child->setParent(nullptr);
+            child->release();
+        }
+    }
+    const TBPParseTree* parentTree() const {
+        Node* p = this->parent;
+        return p && p->isTree() ? static_cast<const TBPParseTree*>(p) : nullptr;
+    }
+    int copySymbolsInto(TBPParseTree* copy) const;
     void adopt(Node* node) {
         if (!node) return;
         node->addRef();
@@ -193,6 +233,7 @@ TBPParseTree<T>* TBPParseTree<T>::cloneInto(TBPParseTree* copy) const {
             delete child;
         }
     }
+    if (ok) ok = copySymbolsInto(copy) == 0;
     if (!ok) {
         delete copy;
         return nullptr;
@@ -210,6 +251,12 @@ int TBPParseTree<T>::printToString(quernbase::QBString& out, int indent, bool sh
     out += name ? name : "CUSTOM";
     if (this->hasError()) out += "     ***ERRORS***";
     else if (validate() != 0) out += "     ***INVALID***";
+    if (symbols) {
+        out += "\n";
+        out += margin;
+        out += " Symbols:\n";
+        if (int rc = symbols->dumpToString(out, indent + 3, true)) return rc;
+    }
     out += "\n";
     for (Node* child : children) {
         if (child) {
@@ -309,3 +356,6 @@ int TBPParseTree<T>::matchLeaf(Node* node, unsigned& index, const Rule& rule) {
         if (!repeats(rule.op)) return 0;
     }
 }
+
+#include "TBPSymbolTable.h"
+#include "TBPTypeInfo.h"

@@ -29,10 +29,7 @@ public:
         // The common case has nothing to free: test before each call, this runs per token.
         this->type = tokenType;
         this->parent = nullptr;
-        if (this->attributes) {
-            delete this->attributes;
-            this->attributes = nullptr;
-        }
+        this->dropAttributes();
         position = where;
         filePosition = inFile;
         length = spellingLength;

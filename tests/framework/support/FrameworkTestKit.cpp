@@ -1,8 +1,13 @@
 #include "FrameworkTestKit.h"
 
+#include <algorithm>
+#include <sstream>
 #include <string>
+#include <vector>
 
 #include "BPHostMessages.h"
+#include "CPWhitespaceFilter.h"
+#include "TestLexer.h"
 
 using quernbase::QBString;
 
@@ -34,6 +39,24 @@ void releaseAll(TokenList& tokens) {
 }
 
 std::string str(const QBString& s) { return s.isNull() ? std::string() : std::string(s.get(), s.length()); }
+
+TokenList lexTokens(const char* text, const char* fileName) {
+    auto* filter = new CPWhitespaceFilter(new TestLexer(testText(text, fileName)));
+    filter->addRef();
+    TokenList tokens = drainTokens(*filter);
+    filter->release();
+    return tokens;
+}
+
+std::string sortedLines(const std::string& text) {
+    std::vector<std::string> lines;
+    std::istringstream in(text);
+    for (std::string line; std::getline(in, line);) lines.push_back(line);
+    std::sort(lines.begin(), lines.end());
+    std::string out;
+    for (const std::string& line : lines) out += line + "\n";
+    return out;
+}
 
 const char* testTypeName(int type) {
     switch (type) {

@@ -6,7 +6,9 @@
 
 #include "CPParseNodeType.h"
 #include "TBPParseTree.h"
+#include "TBPSymbolTable.h"
 #include "TBPTokenSource.h"
+#include "TBPTypeInfo.h"
 
 typedef TBPToken<CPParseNodeType> Token;
 typedef TBPParseNode<CPParseNodeType> Node;
@@ -35,6 +37,29 @@ public:
     int validate() override { return rules ? Tree::validate(this, rules) : -1; }
     const Rule* rules;
 };
+
+typedef TBPTypeInfo<CPParseNodeType, CPSimpleTypeName> TypeInfo;
+typedef TBPSymbolInfo<CPParseNodeType> Symbol;
+typedef TBPSymbolTable<CPParseNodeType> SymbolTable;
+typedef quernbase::QBArray<Symbol*> SymbolList;
+
+// An inner node with an embedded type, as a language's tree base has one.
+class TypedTestTree : public TestTree {
+public:
+    explicit TypedTestTree(int type) : TestTree(type) {}
+    Node* clone() const override {
+        TypedTestTree* copy = new (std::nothrow) TypedTestTree(type);
+        if (copy) copy->typeInfo = typeInfo;
+        return cloneInto(copy);
+    }
+    TypeInfo* getTypeInfo() override { return &typeInfo; }
+    TypeInfo typeInfo;
+};
+
+// The tokens of text as the parser would see them (whitespace attached), each counted once.
+TokenList lexTokens(const char* text, const char* fileName = "test.c");
+// The lines of text, sorted: for dumps whose order follows hash buckets.
+std::string sortedLines(const std::string& text);
 
 // Names for the tests' node types; the rest as the framework names them.
 const char* testTypeName(int type);
