@@ -11,4 +11,10 @@ cmake -S . -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=Debug \
 cmake --build "$build" -j "$(nproc)"
 export ASAN_OPTIONS=detect_leaks=1:abort_on_error=1:strict_string_checks=1
 export UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1
+
+# Real code written by others: a fixed sample, checked against the recorded expectations.
+tests/corpus/selftest/run
+tests/corpus/fetch >/dev/null
+tests/corpus/run --quick --tool "$build/bin/qbrefactor"
+
 cd "$build" && ctest --output-on-failure -j "$(nproc)"

@@ -17,6 +17,8 @@ STAGES = ("lex-roundtrip", "tree-roundtrip", "preprocess", "parse")
 FAULT_STAGE = "no-fault"
 ERROR_LINE = re.compile(rb"^[^\n]*:\d+:\d+: error: [^\n]*$", re.MULTILINE)
 PROBE = b"#define N 2\n/* probe */ int a[N];\n"
+# A parser that reports nothing here reads no grammar: its parse stage is not there yet.
+BAD_PROBE = b"int a[;\n"
 
 
 class Result:
@@ -54,7 +56,16 @@ class Tool:
                 outcome = runner.run(argv, 30)
                 if outcome.status == 0 and not outcome.fault() and self.shows_probe(stage, outcome.out):
                     found.add(stage)
+            if "parse" in found and not self.rejects_bad_probe(tmp):
+                found.discard("parse")
         return found
+
+    def rejects_bad_probe(self, tmp):
+        bad = os.path.join(tmp, "bad.c")
+        with open(bad, "wb") as f:
+            f.write(BAD_PROBE)
+        outcome = runner.run(self.commands(bad)["parse"], 30)
+        return outcome.status != 0 and ERROR_LINE.search(outcome.out + outcome.err) is not None
 
     @staticmethod
     def shows_probe(stage, out):
