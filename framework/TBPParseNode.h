@@ -85,7 +85,12 @@ public:
     }
     virtual const BPSourcePosition* getPosition() const = 0;
     virtual int printToString(quernbase::QBString& out, int indent, bool showWhitespace) = 0;
-    virtual void print(int indent, bool showWhitespace) = 0;
+    // To standard output: the text printToString makes.
+    virtual void print(int indent, bool showWhitespace) {
+        quernbase::QBString text("");
+        printToString(text, indent, showWhitespace);
+        std::fputs(text.get(), stdout);
+    }
     virtual int appendErrors(quernbase::QBString& out) const { return appendOwnErrors(out); }
     virtual void printErrors() const {
         quernbase::QBString text("");

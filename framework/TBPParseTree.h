@@ -45,11 +45,6 @@ public:
         return first ? first->getPosition() : nullptr;
     }
     int printToString(quernbase::QBString& out, int indent, bool showWhitespace) override;
-    void print(int indent, bool showWhitespace) override {
-        quernbase::QBString text("");
-        printToString(text, indent, showWhitespace);
-        std::fputs(text.get(), stdout);
-    }
     int appendErrors(quernbase::QBString& out) const override {
         for (Node* child : children)
             if (child)

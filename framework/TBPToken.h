@@ -55,11 +55,6 @@ public:
     }
     const BPSourcePosition* getPosition() const override { return &position; }
     int printToString(quernbase::QBString& out, int indent, bool showWhitespace) override;
-    void print(int indent, bool showWhitespace) override {
-        quernbase::QBString text("");
-        printToString(text, indent, showWhitespace);
-        std::fputs(text.get(), stdout);
-    }
     int appendErrors(quernbase::QBString& out) const override {
         for (unsigned i = 0; i < getWhitespaceCount(); ++i)
             if (int rc = whitespace->tokens[i]->appendErrors(out)) return rc;
