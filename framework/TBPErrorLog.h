@@ -55,7 +55,7 @@ struct TBPErrorInfo {
         return rc < 0 ? rc : 0;
     }
 
-private:
+    // Appends a number as one more argument. 0 or -8.
     int addNumber(int64_t value) {
         quernbase::QBString text("");
         if (int rc = text.appendNumber(value, 10)) return rc;

@@ -11,21 +11,13 @@ using quernbase::QBString;
 namespace {
 
 enum { ERR_NO_MEMORY = -8, ERR_CANCELLED = -2038, ERR_INVALID_ARGUMENT = -3015,
-       ERR_NO_ROOT = -8024, MSG_ERROR_PREFIX = -8000, MSG_WARNING_PREFIX = -8015 };
-
-QBString decimal(int value) {
-    QBString s;
-    s.append(value);
-    return s;
-}
+       ERR_NO_ROOT = -8024 };
 
 }  // namespace
 
 CPParser::CPParser() {}
 
-CPParser::~CPParser() {
-    for (ErrorRecord* r : errors) delete r;
-}
+CPParser::~CPParser() = default;
 
 // ---- Preprocessor settings ----------------------------------------------------------------
 // They are kept here until the preprocessor exists to take them.
@@ -118,18 +110,16 @@ int CPParser::analyzeSecondPass() { return ERR_NO_ROOT; }
 // ---- Messages -----------------------------------------------------------------------------
 
 int CPParser::logError(int code, int severity, const QBString& argument) {
-    ErrorRecord* r = new (std::nothrow) ErrorRecord;
-    if (!r) return ERR_NO_MEMORY;
-    r->code = code;
-    r->severity = severity;
-    // File, line, column, code: a file that couldn't be read has no position inside it.
-    int rc = r->arguments.add(fileName);
-    if (rc >= 0) rc = r->arguments.add(QBString("0"));
-    if (rc >= 0) rc = r->arguments.add(QBString("0"));
-    if (rc >= 0) rc = r->arguments.add(decimal(code));
-    if (rc >= 0) rc = r->arguments.add(argument);
-    if (rc >= 0) rc = errors.add(r);
-    if (rc < 0) delete r;
+    TBPErrorInfo<CPParseNodeType> record;
+    record.code = code;
+    record.severity = severity;
+    // File, line, column, code, then the message's own argument.
+    int rc = record.arguments.add(fileName);
+    if (rc >= 0) rc = record.arguments.add(QBString("0"));
+    if (rc >= 0) rc = record.arguments.add(QBString("0"));
+    if (rc >= 0) rc = record.addNumber(code);
+    if (rc >= 0) rc = record.arguments.add(argument);
+    if (rc >= 0) rc = errors.addRecord(record);
     return rc < 0 ? ERR_NO_MEMORY : 0;
 }
 
@@ -138,37 +128,12 @@ int CPParser::collectAllErrors() {
     return 0;
 }
 
-int CPParser::getErrorCount() const {
-    int n = 0;
-    for (const ErrorRecord* r : errors) n += r->severity >= 2 ? 1 : 0;
-    return n;
-}
+int CPParser::getErrorCount() const { return errors.getErrorCount(); }
 
-int CPParser::getWarningCount() const {
-    int n = 0;
-    for (const ErrorRecord* r : errors) n += r->severity == 1 ? 1 : 0;
-    return n;
-}
-
-// The prefix takes file, line, column and code; the message's own arguments follow from slot 0.
-int CPParser::formatRecord(const ErrorRecord& record, QBString& out) const {
-    unsigned n = record.arguments.count();
-    for (unsigned i = 0; i < 4 && i < n; ++i)
-        BPHostMessages::setMessageParameter(int(i), record.arguments[i].get());
-    int prefix = record.severity == 1 ? MSG_WARNING_PREFIX : MSG_ERROR_PREFIX;
-    if (out.append(BPHostMessages::getMessage(prefix)) < 0) return ERR_NO_MEMORY;
-    for (unsigned i = 4; i < n; ++i)
-        BPHostMessages::setMessageParameter(int(i - 4), record.arguments[i].get());
-    return out.append(BPHostMessages::getMessage(record.code)) < 0 ? ERR_NO_MEMORY : 0;
-}
+int CPParser::getWarningCount() const { return errors.getWarningCount(); }
 
 int CPParser::getErrorTexts(QBArray<QBString>& out) const {
-    for (const ErrorRecord* r : errors) {
-        QBString text;
-        if (formatRecord(*r, text) < 0) return ERR_NO_MEMORY;
-        if (text.isNotEmpty() && out.add(text) < 0) return ERR_NO_MEMORY;
-    }
-    return 0;
+    return errors.appendTexts(out) < 0 ? ERR_NO_MEMORY : 0;
 }
 
 // ---- Host callbacks -----------------------------------------------------------------------

@@ -8,9 +8,11 @@
 
 #include <cstdint>
 
+#include "CPParseNodeType.h"
 #include "QBArray.h"
 #include "QBMemory.h"
 #include "QBString.h"
+#include "TBPErrorLog.h"
 
 class BPSourceCache;
 
@@ -20,14 +22,6 @@ public:
     typedef int (*ProgressCallback)(int64_t current, int64_t total);
     typedef int (*LocateFileCallback)(int transactionId, const char* sourceFile,
                                       const char* includedFile, char* buffer, int size);
-
-    // One collected message: a negative number, 1 warning or 2 error, and its arguments (file,
-    // line, column, the code as text, then the message's own).
-    struct ErrorRecord : quernbase::QBMemory {
-        int code;
-        int severity;
-        quernbase::QBArray<quernbase::QBString> arguments;
-    };
 
     CPParser();
     virtual ~CPParser();
@@ -66,6 +60,7 @@ public:
     int getErrorCount() const;
     int getWarningCount() const;
     int getErrorTexts(quernbase::QBArray<quernbase::QBString>& out) const;
+    // A message about the file as a whole (one that can't be read): no line or column.
     int logError(int code, int severity, const quernbase::QBString& argument);
 
     // Host callbacks; a negative answer of the message or progress callback cancels the parser.
@@ -82,9 +77,8 @@ private:
     quernbase::QBArray<quernbase::QBString> systemIncludePaths;
     quernbase::QBArray<quernbase::QBString> defines;
     quernbase::QBString configFile;
-    quernbase::QBArray<ErrorRecord*> errors;
+    TBPErrorLog<CPParseNodeType> errors;
 
     static int addIncludePath(quernbase::QBArray<quernbase::QBString>& list,
                               const quernbase::QBString& path);
-    int formatRecord(const ErrorRecord& record, quernbase::QBString& out) const;
 };
