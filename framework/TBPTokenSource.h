@@ -61,11 +61,14 @@ public:
 
     uint64_t getTokensRead() const { return tokensRead; }
     unsigned getMarkCount() const { return transactions.count(); }
-    unsigned getPoolCount() const { return tokenPool.count(); }
+    unsigned getPoolCount() const { return tokenPool.count() + (spare ? 1 : 0); }
 
 protected:
     Token* current = nullptr;
     TokenList tokenPool;
+    // The pool's newest token, outside the array: reading on with no mark open frees one token
+    // and takes one back per step, and this keeps that step free of array bookkeeping.
+    Token* spare = nullptr;
     quernbase::QBArray<TBPTransaction<T>> transactions;
     TBPTokenQueue<T> pushback;
     uint64_t tokensRead = 0;
@@ -74,10 +77,19 @@ protected:
     // Drops one count; a token nobody else holds goes to the pool.
     void releaseToRecycle(Token* token) {
         if (!token || token->releaseKeep() > 0) return;
+        if (!spare) {
+            spare = token;
+            return;
+        }
         if (tokenPool.add(token) != 0) delete token;
     }
     // A pooled token for reuse, or null.
     Token* takePooledToken() {
+        if (spare) {
+            Token* token = spare;
+            spare = nullptr;
+            return token;
+        }
         unsigned n = tokenPool.count();
         if (n == 0) return nullptr;
         Token* token = tokenPool[n - 1];
