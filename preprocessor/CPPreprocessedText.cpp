@@ -70,18 +70,20 @@ bool needsBlank(char last, char first) {
     return (last == '&' || last == '*') && first == '=';
 }
 
+// File and line come from the written token, so an expansion stands where its call stands; a
+// token from a pasted text or a command-line definition never switches files, and only a token
+// that starts a line does.
 void placeToken(TextState& s, TBPToken<CPParseNodeType>* token, const QBString& text) {
-
-    QBString file = token->getFileName();
-    uint32_t line = token->getLine();
+    TBPToken<CPParseNodeType>* place = placeOf(token);
+    const BPSourceHandle& source = place->getPosition()->source;
+    bool inFile = !source.isNull() && source->isFile();
+    QBString file = inFile ? place->getFileName() : s.lastFile;
+    uint32_t line = place->getLine();
     if (startsLine(token)) {
         ++s.line;
         bool sameLine = int64_t(line) == s.line;
         if (file != s.lastFile) fileMarker(s, file, line);
-        else if (!sameLine) lineMarker(s, line);
-        newLine(s);
-    } else if (file != s.lastFile) {
-        fileMarker(s, file, line);
+        else if (!sameLine && inFile) lineMarker(s, line);
         newLine(s);
     } else if (needsBlank(s.out.last_char(), text.first_char())) {
         s.out.append(' ');
