@@ -10,3 +10,13 @@ void CPPreprocessorToken::removeOwner(CPPreprocessorFilter* node, bool all) {
         if (!all) return;
     }
 }
+
+TBPParseNode<CPParseNodeType>* CPPreprocessorToken::clone() const {
+    CPPreprocessorToken* copy = new (std::nothrow)
+        CPPreprocessorToken(type, *getPosition(), getLength(), getFilePosition());
+    if (!copy || copyInto(copy) != 0) {
+        delete copy;
+        return nullptr;
+    }
+    return copy;
+}

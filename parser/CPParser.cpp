@@ -3,6 +3,9 @@
 #include <new>
 
 #include "BPHostMessages.h"
+#include "BPSourceCache.h"
+#include "CPLexer.h"
+#include "CPPreprocessor.h"
 #include "qbapi.h"
 
 using quernbase::QBArray;
@@ -12,6 +15,34 @@ namespace {
 
 enum { ERR_NO_MEMORY = -8, ERR_CANCELLED = -2038, ERR_INVALID_ARGUMENT = -3015,
        ERR_NO_ROOT = -8024 };
+
+// The preprocessor's view of its parser: the cancel flag and the host's callbacks.
+class ParserHost : public CPPreprocessorHost {
+public:
+    explicit ParserHost(CPParser& owner) : parser(owner) {}
+    bool isCancelled() const override { return parser.cancelled; }
+    int reportMessage(const char* text, int flag) override {
+        return parser.reportMessage(text, flag);
+    }
+    int reportProgress(int64_t current, int64_t total, int phase) override {
+        return parser.reportProgress(current, total, phase);
+    }
+    int locateFile(const char* name, char* buffer, int size) override {
+        return parser.locateFile(name, buffer, size);
+    }
+
+private:
+    CPParser& parser;
+};
+
+// The file's source record, from the transaction's cache when there is one.
+BPSourceHandle loadSource(BPSourceCache* cache, const QBString& name, int& status) {
+    if (cache) return cache->getSource(name, BPSourceText::MAIN_FILE, status);
+    BPSourceHandle handle;
+    status = handle.makePrivate();
+    if (status >= 0) status = handle.load(name);
+    return status < 0 ? BPSourceHandle() : handle;
+}
 
 }  // namespace
 
@@ -90,13 +121,33 @@ int CPParser::parse() {
 }
 
 int CPParser::preprocess(QBString& out, bool addLineMarkers) {
-    (void)addLineMarkers;
-    int rc = open(fileName);
-    if (rc < 0) {
-        if (logError(rc, 2, fileName) == ERR_NO_MEMORY) return ERR_NO_MEMORY;
-        return rc;
+    int status = 0;
+    BPSourceHandle source = loadSource(sourceCache, fileName, status);
+    if (status < 0) {
+        if (logError(status, 2, fileName) == ERR_NO_MEMORY) return ERR_NO_MEMORY;
+        return status;
     }
-    // Not yet there: the preprocessor's writePreprocessedText, which fills out.
+    CPLexer* lexer = new (std::nothrow) CPLexer(source, 0);
+    if (!lexer) return ERR_NO_MEMORY;
+    lexer->addRef();
+    ParserHost host(*this);
+    CPPreprocessor* pp = new (std::nothrow) CPPreprocessor(lexer, &host);
+    int rc = pp ? 0 : ERR_NO_MEMORY;
+    if (pp) {
+        pp->addRef();
+        pp->setSourceCache(sourceCache);
+        for (unsigned i = 0; rc >= 0 && i < userIncludePaths.count(); ++i)
+            rc = pp->addUserIncludePath(userIncludePaths[i]);
+        for (unsigned i = 0; rc >= 0 && i < systemIncludePaths.count(); ++i)
+            rc = pp->addSystemIncludePath(systemIncludePaths[i]);
+        for (unsigned i = 0; rc >= 0 && i < defines.count(); ++i)
+            rc = pp->addDefineOption(defines[i]);
+        if (rc >= 0 && configFile.isNotEmpty()) rc = pp->setConfigFile(configFile.get());
+        if (rc >= 0) rc = pp->writePreprocessedText(out, addLineMarkers);
+        pp->release();
+    }
+    lexer->release();
+    if (rc < 0) return rc == ERR_CANCELLED || cancelled ? ERR_CANCELLED : rc;
     return out.append('\n');
 }
 

@@ -1,0 +1,369 @@
+// Readers of #define, #undef and of macro calls. A body is read into nodes once: parameters
+// become CPPreprocessorDefineArgument, `#x` a CPPreprocessorDefineString, `a ## b` a
+// CPPreprocessorDefineConcat, and every other name a CPPreprocessorMacro, so that running the
+// body later is already the rescan.
+#include "CPPreprocessorReader.h"
+
+using quernbase::QBString;
+
+namespace {
+
+typedef TBPToken<CPParseNodeType> Token;
+
+int adopt(CPPreprocessorFilter* node, CPPreprocessorFilter* child) {
+    if (!child) return CPPP_ERR_NOMEM;
+    if (node->addChild(child) != 0) {
+        delete child;
+        return CPPP_ERR_NOMEM;
+    }
+    return 0;
+}
+
+bool isFormal(const CPFormalSet* formals, Token* token) {
+    return formals && token && formals->contains(token->getSpellingConst());
+}
+
+CPPreprocessorDefineArgument* parseDefineArgument(CPTokenSource& source) {
+    CPPreprocessorDefineArgument* node = new (std::nothrow) CPPreprocessorDefineArgument;
+    if (!node) return nullptr;
+    source.currentToken()->setType(CPT_IDENTIFIER);
+    if (cpTakeToken(source, node) != 0) {
+        delete node;
+        return nullptr;
+    }
+    return node;
+}
+
+// #name, L#name, S#name
+CPPreprocessorDefineString* parseDefineString(CPTokenSource& source, const CPFormalSet* formals) {
+    CPPreprocessorDefineString* node = new (std::nothrow) CPPreprocessorDefineString;
+    if (!node) return nullptr;
+    int rc = cpTakeToken(source, node);
+    Token* name = source.currentToken();
+    bool named = rc == 0 && name && cpIsIdentifierLike(name->getType());
+    if (named) {
+        name->setType(CPT_IDENTIFIER);
+        rc = cpTakeToken(source, node);
+    }
+    if (rc != 0) {
+        delete node;
+        return nullptr;
+    }
+    if (!named || !isFormal(formals, name)) node->logErrorAtNode(node, CPPP_ERR_NOT_A_PARAMETER);
+    return node;
+}
+
+// One operand of ##: nothing (a null child), a parameter, a name or call, a builtin, a token.
+int readConcatOperand(CPTokenSource& source, CPPreprocessorFilter* node, int depth,
+                      const CPFormalSet* formals) {
+    Token* token = source.currentToken();
+    int kind = source.currentType();
+    if (kind == CPT_POUND_POUND || cpAtLineEnd(kind)) return node->addChild(nullptr);
+    if (cpIsIdentifierLike(kind) && isFormal(formals, token) && source.peekType(1) != CPT_LEFT_PAREN)
+        return adopt(node, parseDefineArgument(source));
+    if (cpIsIdentifierLike(kind)) return adopt(node, cpParseMacroCall(source, depth, formals));
+    if (cpIsBuiltinKind(kind)) return adopt(node, cpParseBuiltin(source));
+    return cpTakeToken(source, node);
+}
+
+// concatenation:
+//     operand ## operand ( ## operand )*
+CPPreprocessorDefineConcat* parseDefineConcat(CPTokenSource& source, int depth,
+                                              const CPFormalSet* formals) {
+    if (cpAtLineEnd(source.currentType())) return nullptr;
+    if (source.mark() != 0) return nullptr;
+    CPPreprocessorDefineConcat* node = new (std::nothrow) CPPreprocessorDefineConcat;
+    int rc = node ? readConcatOperand(source, node, depth, formals) : CPPP_ERR_NOMEM;
+    if (rc != 0 || source.currentType() != CPT_POUND_POUND) {
+        delete node;
+        source.rollback();
+        return nullptr;
+    }
+    while (rc == 0 && source.currentType() == CPT_POUND_POUND) {
+        rc = cpTakeToken(source, node);
+        if (rc == 0) rc = readConcatOperand(source, node, depth, formals);
+    }
+    if (rc != 0) {
+        delete node;
+        source.rollback();
+        return nullptr;
+    }
+    source.commit();
+    return node;
+}
+
+bool concatMayFollow(CPTokenSource& source) {
+    int kind = source.currentType();
+    int next = source.peekType(1);
+    return kind == CPT_POUND_POUND || next == CPT_POUND_POUND ||
+           (cpIsIdentifierLike(kind) && next == CPT_LEFT_PAREN);
+}
+
+// The end of an argument: a body ends with its line, a text run only with the file.
+bool argumentEnds(int kind, const CPFormalSet* formals) {
+    return cpAtEnd(kind) || (formals && kind == CPT_NEWLINE);
+}
+
+// One token or construct of an argument other than `#`.
+int readArgumentPart(CPTokenSource& source, CPPreprocessorMacroArgument* arg, int depth,
+                     const CPFormalSet* formals) {
+    int kind = source.currentType();
+    if (concatMayFollow(source))
+        if (CPPreprocessorDefineConcat* concat = parseDefineConcat(source, depth, formals))
+            return adopt(arg, concat);
+    Token* token = source.currentToken();
+    if (cpIsIdentifierLike(kind) && isFormal(formals, token) && source.peekType(1) != CPT_LEFT_PAREN)
+        return adopt(arg, parseDefineArgument(source));
+    if (cpIsIdentifierLike(kind)) return adopt(arg, cpParseMacroCall(source, depth, formals));
+    if (cpIsBuiltinKind(kind)) return adopt(arg, cpParseBuiltin(source));
+    return cpTakeToken(source, arg);
+}
+
+// A `#` inside an argument: a stringized parameter in a body, an error anywhere else.
+int readArgumentPound(CPTokenSource& source, CPPreprocessorMacroArgument* arg,
+                      const CPFormalSet* formals, bool& stop) {
+    if (formals && source.mark() == 0) {
+        source.nextToken();
+        bool parameter = isFormal(formals, source.currentToken());
+        source.rollback();
+        if (parameter) return adopt(arg, parseDefineString(source, formals));
+    }
+    arg->logErrorAtSource(source, CPPP_ERR_NAME_REQUIRED);
+    stop = true;
+    return 0;
+}
+
+// argument:
+//     balanced tokens up to a COMMA or RIGHT_PAREN outside parentheses
+CPPreprocessorMacroArgument* parseMacroArgument(CPTokenSource& source, int depth,
+                                                const CPFormalSet* formals) {
+    CPPreprocessorMacroArgument* arg = new (std::nothrow) CPPreprocessorMacroArgument;
+    if (!arg) return nullptr;
+    int open = 0, rc = 0;
+    bool stop = false;
+    while (rc == 0 && !stop) {
+        int kind = source.currentType();
+        if (argumentEnds(kind, formals)) {
+            if (open > 0) arg->logErrorAtSource(source, CPPP_ERR_MISSING_TOKEN, ")");
+            break;
+        }
+        if ((kind == CPT_RIGHT_PAREN || kind == CPT_COMMA) && open == 0) break;
+        if (kind == CPT_LEFT_PAREN) ++open;
+        if (kind == CPT_RIGHT_PAREN) --open;
+        if (kind == CPT_POUND) rc = readArgumentPound(source, arg, formals, stop);
+        else rc = readArgumentPart(source, arg, depth, formals);
+    }
+    if (rc != 0) {
+        delete arg;
+        return nullptr;
+    }
+    return arg;
+}
+
+// A header declares a field of this name on a line of its own; the line gives no output.
+bool swallowsLine(Token* name) {
+    return name->getSpellingConst() == "_VARIANT_BOOL" && name->isFirstOnLine();
+}
+
+int swallowLine(CPTokenSource& source, CPPreprocessorMacro* call, uint32_t line) {
+    for (Token* t = source.currentToken(); t && !cpAtLineEnd(t->getType()) && t->getLine() == line;
+         t = source.currentToken())
+        if (int rc = cpTakeToken(source, call)) return rc;
+    return 0;
+}
+
+// ( argument ( , argument )* ) after the name; false when there is no balanced list.
+bool readArguments(CPTokenSource& source, CPPreprocessorMacro* call, int depth,
+                   const CPFormalSet* formals, int& rc) {
+    rc = cpTakeToken(source, call);
+    while (rc == 0) {
+        int kind = source.currentType();
+        if (kind == CPT_RIGHT_PAREN || cpAtEnd(kind) || (formals && kind == CPT_NEWLINE)) break;
+        CPPreprocessorMacroArgument* arg = parseMacroArgument(source, depth, formals);
+        rc = adopt(call, arg);
+        if (rc != 0 || arg->hasError() || source.currentType() != CPT_COMMA) break;
+        rc = cpTakeToken(source, call);
+    }
+    if (rc != 0 || source.currentType() != CPT_RIGHT_PAREN) return false;
+    rc = cpTakeToken(source, call);
+    return rc == 0;
+}
+
+}  // namespace
+
+// macro-call:
+//     name ( ( argument ( , argument )* )? )?
+CPPreprocessorMacro* cpParseMacroCall(CPTokenSource& source, int depth,
+                                      const CPFormalSet* formals) {
+    Token* name = source.currentToken();
+    if (!name || !cpIsIdentifierLike(name->getType())) return nullptr;
+    CPPreprocessorMacro* call = new (std::nothrow) CPPreprocessorMacro;
+    if (!call) return nullptr;
+    int rc = isFormal(formals, name) ? adopt(call, parseDefineArgument(source))
+                                     : cpTakeToken(source, call);
+    if (rc == 0 && swallowsLine(name)) rc = swallowLine(source, call, name->getLine());
+    else if (rc == 0 && source.currentType() == CPT_LEFT_PAREN && source.mark() == 0) {
+        if (readArguments(source, call, depth, formals, rc)) {
+            source.commit();
+        } else {
+            // Not a call after all: the name stands alone and the rest is read again.
+            if (call->getChildCount() > 1) call->removeChildren(1, call->getChildCount() - 1);
+            call->clearErrors(true);
+            source.rollback();
+            rc = rc == CPPP_ERR_NOMEM ? rc : 0;
+        }
+    }
+    if (rc != 0) {
+        delete call;
+        return nullptr;
+    }
+    return call;
+}
+
+namespace {
+
+// body:
+//     ( # param | concatenation | param | call | builtin | token )*     up to the line end
+CPPreprocessorDefineBody* parseDefineBody(CPTokenSource& source, int depth,
+                                          const CPFormalSet* formals) {
+    if (cpAtLineEnd(source.currentType())) return nullptr;
+    CPPreprocessorDefineBody* body = new (std::nothrow) CPPreprocessorDefineBody;
+    if (!body) return nullptr;
+    int rc = 0;
+    for (int kind = source.currentType(); rc == 0 && !cpAtLineEnd(kind);
+         kind = source.currentType()) {
+        Token* token = source.currentToken();
+        if (kind == CPT_GARBAGE_CHAR) {
+            token->clearErrors(false);
+            body->logWarningAtSource(source, CPPP_WARN_GARBAGE);
+            rc = cpTakeToken(source, body);
+            continue;
+        }
+        if (kind == CPT_POUND) {
+            rc = adopt(body, parseDefineString(source, formals));
+            continue;
+        }
+        if (concatMayFollow(source))
+            if (CPPreprocessorDefineConcat* concat = parseDefineConcat(source, depth, formals)) {
+                rc = adopt(body, concat);
+                continue;
+            }
+        if (kind == CPT_POUND_POUND) rc = cpTakeToken(source, body);
+        else if (cpIsIdentifierLike(kind) && isFormal(formals, token) &&
+                 source.peekType(1) != CPT_LEFT_PAREN)
+            rc = adopt(body, parseDefineArgument(source));
+        else if (cpIsIdentifierLike(kind)) rc = adopt(body, cpParseMacroCall(source, depth, formals));
+        else if (cpIsBuiltinKind(kind)) rc = adopt(body, cpParseBuiltin(source));
+        else rc = cpTakeToken(source, body);
+    }
+    if (rc != 0) {
+        delete body;
+        return nullptr;
+    }
+    return body;
+}
+
+int addFormal(CPTokenSource& source, CPPreprocessorDefine* define, CPFormalSet& formals) {
+    Token* token = source.currentToken();
+    token->setType(CPT_IDENTIFIER);
+    QBString name = token->getSpellingConst();
+    if (formals.contains(name)) define->logErrorAtSource(source, CPPP_ERR_DUPLICATE_PARAMETER, name);
+    if (int rc = formals.set(name, 1)) return rc;
+    return cpTakeToken(source, define);
+}
+
+// ( NAME ( , NAME )* ( , ... | ... )? ) with the `name...` form; false after a logged error.
+bool readParameters(CPTokenSource& source, CPPreprocessorDefine* define, CPFormalSet& formals,
+                    int& rc) {
+    rc = cpTakeToken(source, define);
+    while (rc == 0 && cpIsIdentifierLike(source.currentType())) {
+        rc = addFormal(source, define, formals);
+        if (rc == 0 && source.currentType() == CPT_ELLIPSE && source.peekType(1) == CPT_RIGHT_PAREN)
+            rc = cpTakeToken(source, define);
+        if (rc != 0 || source.currentType() != CPT_COMMA) break;
+        rc = cpTakeToken(source, define);
+        if (rc != 0 || source.currentType() == CPT_ELLIPSE) break;
+        if (!cpIsIdentifierLike(source.currentType()))
+            define->logErrorAtSource(source, CPPP_ERR_NAME_REQUIRED);
+    }
+    if (rc == 0 && source.currentType() == CPT_ELLIPSE) {
+        rc = cpTakeToken(source, define);
+        if (rc == 0) rc = formals.set(QBString("__VA_ARGS__"), 1);
+    }
+    if (rc != 0) return false;
+    if (source.currentType() == CPT_RIGHT_PAREN) {
+        rc = cpTakeToken(source, define);
+        return rc == 0;
+    }
+    define->logErrorAtSource(source, CPPP_ERR_MISSING_TOKEN, ")");
+    rc = cpTakeRestOfLine(source, define);
+    return false;
+}
+
+bool adjacent(Token* name, Token* next) {
+    return next && next->getWhitespaceCount() == 0 &&
+           next->getSeekPosition() == name->getSeekPosition() + name->getLength();
+}
+
+}  // namespace
+
+// define:
+//     # define NAME ( "(" parameters ")" )? body?
+CPPreprocessorDefine* cpParseDefine(CPTokenSource& source, int depth) {
+    CPPreprocessorDefine* define = new (std::nothrow) CPPreprocessorDefine;
+    if (!define) return nullptr;
+    int rc = cpTakeToken(source, define);
+    if (rc == 0) rc = cpTakeToken(source, define);
+    Token* name = source.currentToken();
+    if (rc == 0 && (!name || !(cpIsIdentifierLike(name->getType()) || cpIsBuiltinKind(name->getType())))) {
+        define->logErrorAtSource(source, CPPP_ERR_NAME_REQUIRED);
+        rc = cpTakeRestOfLine(source, define);
+        if (rc == 0) return define;
+    }
+    CPFormalSet formals(QBString::hashString);
+    bool complete = true;
+    if (rc == 0) {
+        name->setType(CPT_IDENTIFIER);
+        rc = cpTakeToken(source, define);
+    }
+    if (rc == 0 && source.currentType() == CPT_LEFT_PAREN && adjacent(name, source.currentToken()))
+        complete = readParameters(source, define, formals, rc);
+    if (rc == 0 && complete) {
+        CPPreprocessorDefineBody* body = parseDefineBody(source, depth, &formals);
+        if (!body && !cpAtLineEnd(source.currentType())) rc = CPPP_ERR_NOMEM;
+        else if (define->addChild(body) != 0) {
+            delete body;
+            rc = CPPP_ERR_NOMEM;
+        }
+    }
+    if (rc != 0) {
+        delete define;
+        return nullptr;
+    }
+    return define;
+}
+
+// undef:
+//     # undef NAME
+CPPreprocessorUndef* cpParseUndef(CPTokenSource& source, int) {
+    CPPreprocessorUndef* node = new (std::nothrow) CPPreprocessorUndef;
+    if (!node) return nullptr;
+    int rc = cpTakeToken(source, node);
+    if (rc == 0) rc = cpTakeToken(source, node);
+    int kind = source.currentType();
+    if (rc == 0 && (cpIsIdentifierLike(kind) || cpIsBuiltinKind(kind))) {
+        source.currentToken()->setType(CPT_IDENTIFIER);
+        rc = cpTakeToken(source, node);
+        if (rc == 0 && !cpAtLineEnd(source.currentType()))
+            node->logErrorAtSource(source, CPPP_ERR_EXTRA_TOKENS,
+                                   source.currentToken()->getSpellingConst());
+    } else if (rc == 0) {
+        node->logErrorAtSource(source, CPPP_ERR_NAME_REQUIRED);
+    }
+    if (rc == 0) rc = cpTakeRestOfLine(source, node);
+    if (rc != 0) {
+        delete node;
+        return nullptr;
+    }
+    return node;
+}
