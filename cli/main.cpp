@@ -6,6 +6,7 @@
 #include "ConfigCommand.h"
 #include "LexCommand.h"
 #include "ParseCommand.h"
+#include "TreeCommand.h"
 
 namespace {
 
@@ -19,6 +20,7 @@ struct Subcommand {
 const Subcommand subcommands[] = {
     {"parse", "parse and analyse files, and report their errors", cli::runParseCommand},
     {"preprocess", "write the preprocessed text of files", cli::runPreprocessCommand},
+    {"tree", "print the parse trees of files, or check that they give the files back", cli::runTreeCommand},
     {"lex", "list the tokens of files, or check that they give the files back", cli::runLexCommand},
     {"config", "list, show, add, delete or detect compiler configurations", runConfigCommand},
 };
