@@ -59,8 +59,8 @@ public:
     }
     virtual int getSpelledName(quernbase::QBString& out) const { return out.makeEmpty(); }
     virtual bool isSyncToken(CPParseNodeType tokenType) const;
-    // The type of this node as analysis records it; null until analysis exists.
-    virtual CPTypeInfo* getTypeInfo() { return nullptr; }
+    // getTypeInfo (the type analysis records for this node) is the framework tree's: null until
+    // the embedded C++ type lands here.
     virtual CPParseTree* getTypeNode() { return nullptr; }
     virtual CPTypeInfo* getValueType() { return nullptr; }
     virtual int askLastLeaf() { return 0; }
