@@ -20,6 +20,9 @@ typedef CPTypeInfo::Value Value;
 
 enum { MAX_DEPTH = 64 };
 
+// Internal to the rank: a level between the top and here lacks const.
+const uint32_t RANK_UNQUALIFIED_LEVEL = 0x80000000u;
+
 constexpr uint32_t bit(CPSimpleTypeName n) { return 1u << n; }
 
 const uint32_t FLOATING = bit(CPSIMPLE_Float) | bit(CPSIMPLE_Double) | bit(CPSIMPLE_LongDouble);
@@ -272,10 +275,13 @@ static int rankPointers(const Base& t, const Base& s, int e, uint32_t flags, int
         bool same = sp->isConst() == tp->isConst() && sp->isVolatile() == tp->isVolatile();
         return e + CPTypeInfo::RANK_EXACT + (same ? 1 : 0);
     }
-    if (flags & CPRANK_QualifiedPointee)
-        if ((tp->isConst() && !sp->isConst()) || (tp->isVolatile() && !sp->isVolatile())) return -1;
-    uint32_t next = (flags & ~CPRANK_QualifiedPointee) | CPRANK_Pointee;
-    if (!t.isConst()) next |= CPRANK_QualifiedPointee;
+    // Below the top, a pointee may gain const or volatile only where this level and every
+    // level between it and the top are const: char** doesn't become const char**.
+    bool belowTop = (flags & CPRANK_QualifiedPointee) != 0;
+    bool gains = (tp->isConst() && !sp->isConst()) || (tp->isVolatile() && !sp->isVolatile());
+    if (belowTop && gains && (!t.isConst() || (flags & RANK_UNQUALIFIED_LEVEL))) return -1;
+    uint32_t next = flags | CPRANK_Pointee | CPRANK_QualifiedPointee;
+    if (belowTop && !t.isConst()) next |= RANK_UNQUALIFIED_LEVEL;
     return rankAt(tp, sp, next, depth + 1);
 }
 
@@ -477,7 +483,7 @@ int CPTypeInfo::simpleRank(const Base* target, const Base* source, uint32_t) {
     if (!narrow && sn != wide && sn != CPSIMPLE_WideChar) return -1;
     if (narrow) {
         bool arrayTarget = target->getKind() == BPTYPE_Array;
-        bool unsignedOk = arrayTarget && tn == CPSIMPLE_UnsignedChar && !(flagsOf(target) & CPTYPE_NoImplicitConversion);
+        bool unsignedOk = arrayTarget && tn == CPSIMPLE_UnsignedChar && !(flagsOf(te) & CPTYPE_NoImplicitConversion);
         return tn == CPSIMPLE_Char || tn == CPSIMPLE_SignedChar || unsignedOk ? RANK_EXACT : -1;
     }
     return tn == sn ? RANK_EXACT : -1;

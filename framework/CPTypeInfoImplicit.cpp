@@ -239,8 +239,6 @@ int CPTypeInfo::pointerConversion(const Base* target, const Base* source, Tree* 
 
 // The function a pointer, reference or member pointer designates; the function itself.
 static const Base* designatedFunction(const Base* t, const Base** ownerClass) {
-    CPTypeInfo copy;
-    if (!settle(copy, t)) return nullptr;
     const Base* end = t;
     for (int steps = 0; end && steps < MAX_DEPTH; ++steps) {
         uint32_t k = end->getRawKind();

@@ -88,6 +88,8 @@ int CPTypeInfo::appendFunctionText(QBString& out, const SeenSet& seen, bool norm
         if (int rc = appendType(out, t->getReturnType(), seen, normalize, false)) return rc;
         out += " ";
     }
+    if (normalize)
+        if (int rc = appendOwnerScope(out)) return rc;
     out += t->getName();
     if (noReturn) return out.isNull() ? QBString::ERR_NOMEM : 0;
     out += "(";
@@ -159,8 +161,9 @@ int CPTypeInfo::getText(QBString& out, const SeenSet& seen, bool normalize, bool
         if (isConst()) out += "const ";
         if (isVolatile()) out += "volatile ";
     }
+    // A function's owner goes before its name, behind the return type.
     bool ownerFirst = normalize && kind != BPTYPE_ArgumentList && kind != BPTYPE_Variable &&
-                      kind != BPTYPE_TemplateParameter;
+                      kind != BPTYPE_TemplateParameter && kind != BPTYPE_Function;
     if (ownerFirst)
         if (int rc = appendOwnerScope(out)) return rc;
     return appendBody(out, seen, normalize, noReturn);
