@@ -10,8 +10,6 @@ typedef CPTypeInfo::Base Base;
 
 enum { MAX_STEPS = 1000, MAX_DEPTH = 64 };
 
-bool isLinkKind(uint32_t k) { return k == BPTYPE_TypeReference || k == BPTYPE_TemplateParameterTypeReference; }
-
 // Through links and typedefs, without copying.
 const Base* throughTypedefs(const Base* t) {
     for (int steps = 0; t && steps < MAX_STEPS; ++steps) {
@@ -69,7 +67,7 @@ uint32_t CPTypeInfo::flagsOf(const Base* t) {
 uint32_t CPTypeInfo::getChainFlags() const {
     uint32_t all = flags;
     const Base* t = this;
-    for (int steps = 0; steps < MAX_STEPS && isLinkKind(t->getRawKind()) && t->getReferenceTarget(); ++steps) {
+    for (int steps = 0; steps < MAX_STEPS && CPTypeInfo::isLinkKind(t->getRawKind()) && t->getReferenceTarget(); ++steps) {
         t = t->getReferenceTarget();
         all |= flagsOf(t);
     }
@@ -81,7 +79,7 @@ bool CPTypeInfo::isLValue() const {
     for (int steps = 0; t && steps < MAX_STEPS; ++steps) {
         if (flagsOf(t) & CPTYPE_LValue) return true;
         uint32_t k = t->getRawKind();
-        t = isLinkKind(k) ? t->getReferenceTarget() : k == BPTYPE_Typedef ? t->getAliasedType() : nullptr;
+        t = CPTypeInfo::isLinkKind(k) ? t->getReferenceTarget() : k == BPTYPE_Typedef ? t->getAliasedType() : nullptr;
     }
     return false;
 }
@@ -130,7 +128,7 @@ int CPTypeInfo::resolve(bool followTypedefs) {
     for (int steps = 0;; ++steps) {
         if (steps >= MAX_STEPS) return ERR_WRONGKIND;
         uint32_t k = t->getRawKind();
-        const Base* next = isLinkKind(k) ? t->getReferenceTarget()
+        const Base* next = CPTypeInfo::isLinkKind(k) ? t->getReferenceTarget()
                            : followTypedefs && k == BPTYPE_Typedef ? t->getAliasedType()
                                                                     : t;
         if (next == t) break;
@@ -347,11 +345,12 @@ bool CPTypeInfo::containsAny(const Base* t, bool deep) { return anyIn(t, deep, 0
 
 // ---- Derivation ----
 
-// The class a template ID stands for, or null.
-static const Base* classOfID(const Base* id) {
+const Base* CPTypeInfo::classOfTemplateID(const Base* id) {
+    if (!id) return nullptr;
     const Base* named = throughTypedefs(id->getTemplateType());
     if (named && named->getRawKind() == BPTYPE_TemplateDeclaration) named = throughTypedefs(named->getDeclaredType());
-    return named && named != id && (named->getRawKind() == BPTYPE_Class || named->getRawKind() == BPTYPE_Union) ? named : nullptr;
+    bool isClass = named && (named->getRawKind() == BPTYPE_Class || named->getRawKind() == BPTYPE_Union);
+    return isClass && named != id->resolved() ? named : nullptr;
 }
 
 static bool derivedFrom(const Base* derived, const Base* base, CPTypeInfo* out, int depth) {
@@ -361,8 +360,8 @@ static bool derivedFrom(const Base* derived, const Base* base, CPTypeInfo* out, 
     uint32_t dk = d.getKind(), bk = b.getKind();
     if (dk != BPTYPE_Class && dk != BPTYPE_TemplateID) return false;
     if (dk == BPTYPE_TemplateID || bk == BPTYPE_TemplateID) {
-        const Base* dc = dk == BPTYPE_TemplateID ? classOfID(&d) : derived;
-        const Base* bc = bk == BPTYPE_TemplateID ? classOfID(&b) : base;
+        const Base* dc = dk == BPTYPE_TemplateID ? CPTypeInfo::classOfTemplateID(&d) : derived;
+        const Base* bc = bk == BPTYPE_TemplateID ? CPTypeInfo::classOfTemplateID(&b) : base;
         return dc && bc && derivedFrom(dc, bc, out, depth + 1);
     }
     CPTypeInfo::Tree* scope = d.getScopeNode();

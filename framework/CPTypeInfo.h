@@ -117,6 +117,9 @@ public:
     // derived is base or has it among its bases, private and protected ones included; out
     // (may be null) gets the type of the class found.
     static bool isDerivedFrom(const Base* derived, const Base* base, CPTypeInfo* out);
+    // The class a template ID stands for (through its template declaration), or null.
+    static const Base* classOfTemplateID(const Base* id);
+    static bool isLinkKind(uint32_t k) { return isLink(k); }
 
     // ---- Conversions (CPTypeInfoConvert.cpp, CPTypeInfoImplicit.cpp) ----
     // Tests and performs the conversion of type to the simple type name, value included.

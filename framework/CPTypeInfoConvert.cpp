@@ -56,8 +56,6 @@ const Refusal refusals[CPSIMPLE_LAST + 1] = {
     {FLOATING, -1},                                                                        // unsigned long long
 };
 
-bool isLinkKind(uint32_t k) { return k == BPTYPE_TypeReference || k == BPTYPE_TemplateParameterTypeReference; }
-
 bool isFloating(CPSimpleTypeName n) { return (bit(n) & FLOATING) != 0; }
 
 // A number of any numeric payload, read as its source type gives it.
@@ -151,15 +149,6 @@ int enumerationToInt(CPTypeInfo& type) {
     if (int rc = type.setSimpleName(CPSIMPLE_SignedInt)) return rc;
     if (hasNumber) return type.setValue(&number);
     return keepOther ? type.setValue(&other) : 0;
-}
-
-// The class a template ID stands for, or null.
-const Base* classOfID(const Base* id) {
-    const Base* named = id->getTemplateType();
-    named = named ? named->resolved() : nullptr;
-    if (named && named->getRawKind() == BPTYPE_TemplateDeclaration) named = named->getDeclaredType();
-    named = named ? named->resolved() : nullptr;
-    return named && named != id && named->getRawKind() == BPTYPE_Class ? named : nullptr;
 }
 
 bool isClassOrID(uint32_t k) { return k == BPTYPE_Class || k == BPTYPE_TemplateID; }
@@ -419,9 +408,9 @@ static int rankAcrossKinds(CPTypeInfo& t, CPTypeInfo& s, int e, uint32_t& flags,
     int string = CPTypeInfo::simpleRank(&t, &s, flags);
     if (string >= 0) return string + e;
     if (tk == BPTYPE_Class && sk == BPTYPE_TemplateID)
-        if (const Base* c = classOfID(&s)) return rankAt(&t, c, flags, depth + 1);
+        if (const Base* c = CPTypeInfo::classOfTemplateID(&s)) return rankAt(&t, c, flags, depth + 1);
     if (tk == BPTYPE_TemplateID && sk == BPTYPE_Class)
-        if (const Base* c = classOfID(&t)) return rankAt(c, &s, flags, depth + 1);
+        if (const Base* c = CPTypeInfo::classOfTemplateID(&t)) return rankAt(c, &s, flags, depth + 1);
     if ((flags & CPRANK_DerivedToBase) && isClassOrID(tk) && isClassOrID(sk) && CPTypeInfo::isDerivedFrom(&s, &t, nullptr))
         return e + CPTypeInfo::RANK_EXACT;
     if (tk != sk) {
@@ -441,7 +430,7 @@ static int rankAt(const Base* target, const Base* source, uint32_t flags, int de
     int e = tc == sc && tv == sv ? 1 : 0;
     CPTypeInfo t, s;
     if (t.assign(*target) || s.assign(*source)) return -1;
-    if (isLinkKind(t.getRawKind()) || isLinkKind(s.getRawKind())) {
+    if (CPTypeInfo::isLinkKind(t.getRawKind()) || CPTypeInfo::isLinkKind(s.getRawKind())) {
         if (t.resolve(false) || s.resolve(false)) return -1;
         return rankAt(&t, &s, flags, depth + 1);
     }
@@ -465,8 +454,8 @@ static const Base* simpleElement(const Base* t) {
     if (!t || copy.assign(*t) || copy.resolve(true)) return nullptr;
     uint32_t k = copy.getKind();
     const Base* element = k == BPTYPE_Array ? copy.getElementType() : k == BPTYPE_Pointer ? copy.getPointedType() : nullptr;
-    while (element && (isLinkKind(element->getRawKind()) || element->getRawKind() == BPTYPE_Typedef))
-        element = isLinkKind(element->getRawKind()) ? element->getReferenceTarget() : element->getAliasedType();
+    while (element && (CPTypeInfo::isLinkKind(element->getRawKind()) || element->getRawKind() == BPTYPE_Typedef))
+        element = CPTypeInfo::isLinkKind(element->getRawKind()) ? element->getReferenceTarget() : element->getAliasedType();
     return element && element->getRawKind() == BPTYPE_Simple ? element : nullptr;
 }
 

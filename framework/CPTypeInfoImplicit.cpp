@@ -23,14 +23,6 @@ bool settle(CPTypeInfo& copy, const Base* t) {
     return t && copy.assign(*t) == 0 && copy.normalize() == 0 && copy.resolve(true) == 0;
 }
 
-const Base* classOfID(const Base* id) {
-    const Base* named = id->getTemplateType();
-    named = named ? named->resolved() : nullptr;
-    if (named && named->getRawKind() == BPTYPE_TemplateDeclaration) named = named->getDeclaredType();
-    named = named ? named->resolved() : nullptr;
-    return named && named != id && named->getRawKind() == BPTYPE_Class ? named : nullptr;
-}
-
 // A name "operator T" for a type T; not an operator symbol, new or delete, or an
 // operator's alternative spelling.
 bool isConversionName(const QBString& name) {
@@ -56,7 +48,7 @@ const Base* functionOf(const Symbol* symbol) {
 // The class node of a class type, where its members are declared.
 Tree* classNode(const Base& classType) {
     const Base* t = classType.resolved();
-    if (t->getRawKind() == BPTYPE_TemplateID) t = classOfID(t);
+    if (t->getRawKind() == BPTYPE_TemplateID) t = CPTypeInfo::classOfTemplateID(t);
     return t ? t->getScopeNode() : nullptr;
 }
 
@@ -176,7 +168,7 @@ bool CPTypeInfo::userConversion(const Base* source, const Base* target, Tree* no
     if (!source || !target || (flags & LOOKUP_NoUserConversions)) return false;
     CPTypeInfo t, s;
     if (!settle(t, target) || !settle(s, source)) return false;
-    const Base* targetClass = t.getKind() == BPTYPE_TemplateID ? classOfID(&t) : &t;
+    const Base* targetClass = t.getKind() == BPTYPE_TemplateID ? CPTypeInfo::classOfTemplateID(&t) : &t;
     if (targetClass && targetClass->getKind() == BPTYPE_Class)
         if (Symbol* constructor = convertingConstructor(*targetClass, source, node, flags)) {
             if (node) constructor->addReference(node);
