@@ -10,13 +10,13 @@
 #include <cstdint>
 
 #include "CPParseNodeType.h"
+#include "CPTypeInfo.h"
 #include "QBArray.h"
 #include "QBString.h"
 #include "TBPParseTree.h"
 #include "TBPTokenSource.h"
 
 class CPSymbolInfo;
-class CPTypeInfo;
 
 typedef TBPTokenSource<CPParseNodeType> CPTokenSource;
 typedef TBPToken<CPParseNodeType> CPToken;
@@ -59,8 +59,8 @@ public:
     }
     virtual int getSpelledName(quernbase::QBString& out) const { return out.makeEmpty(); }
     virtual bool isSyncToken(CPParseNodeType tokenType) const;
-    // getTypeInfo (the type analysis records for this node) is the framework tree's: null until
-    // the embedded C++ type lands here.
+    // The type analysis records for this node, embedded in every node.
+    CPTypeInfo* getTypeInfo() override { return &typeInfo; }
     virtual CPParseTree* getTypeNode() { return nullptr; }
     virtual CPTypeInfo* getValueType() { return nullptr; }
     virtual int askLastLeaf() { return 0; }
@@ -87,6 +87,10 @@ public:
 
     using TBPParseTree<CPParseNodeType>::insertChild;
     using TBPParseTree<CPParseNodeType>::getType;
+
+protected:
+    // Not copied by clone: a cloned subtree is analysed anew.
+    CPTypeInfo typeInfo;
 };
 
 // The node types a shape names, for a node kind; null for a kind without a shape.
