@@ -24,8 +24,9 @@ public:
     int addOwner(CPPreprocessorFilter* node) { return owners.add(node); }
     // Removes the first entry that is node, or every one when all is set.
     void removeOwner(CPPreprocessorFilter* node, bool all);
-    unsigned getOwnerCount() const { return owners.count(); }
-    CPPreprocessorFilter* getOwner(unsigned i) const { return i < owners.count() ? owners[i] : nullptr; }
+    unsigned getOwnerCount() const { return owners.count() - deadOwners; }
+    // The i-th owner in order, or null.
+    CPPreprocessorFilter* getOwner(unsigned i) const;
     // The file this token belongs to: asked of the parent, then of each owner in order. Defined
     // with the node family it walks (preprocessor layer).
     virtual CPPreprocessorUnit* getOwningUnit();
@@ -36,5 +37,15 @@ public:
     }
 
 private:
+    // A token of a macro body stands in every expansion, tens of thousands for nested macros,
+    // and an output tree lets go of its owners in the order it took them. So a removal only
+    // clears its slot; firstLive skips the cleared front, and the list is compacted, in order,
+    // once most of it is dead.
     quernbase::QBArray<CPPreprocessorFilter*> owners;
+    unsigned deadOwners = 0;
+    unsigned firstLive = 0;
+
+    bool removeOneOwner(CPPreprocessorFilter* node);
+    void clearOwnerAt(unsigned i);
+    void compactOwners();
 };

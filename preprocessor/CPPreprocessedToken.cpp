@@ -15,7 +15,8 @@ CPPreprocessorUnit* CPPreprocessorToken::getOwningUnit() {
     if (CPPreprocessorFilter* node = CPPreprocessorFilter::from(parent))
         if (CPPreprocessorUnit* unit = node->getOwningUnit()) return unit;
     for (CPPreprocessorFilter* owner : owners)
-        if (CPPreprocessorUnit* unit = owner->getOwningUnit()) return unit;
+        if (owner)
+            if (CPPreprocessorUnit* unit = owner->getOwningUnit()) return unit;
     return nullptr;
 }
 
