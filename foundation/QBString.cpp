@@ -71,8 +71,9 @@ int QBString::cow(unsigned newCapacity, unsigned extra) {
     unsigned len = length();
     unsigned need = newCapacity > len + extra ? newCapacity : len + extra;
     if (body && body->shares == 1 && capacity() >= need) return 0;
-    unsigned cap = need;
-    if (body && body->shares == 1 && extra) cap = need + need / 2;  // growth by appending
+    // A string that gets longer grows geometrically, whichever member lengthens it (append,
+    // insert, setLength); one that is only unshared gets exactly its length.
+    unsigned cap = need > len ? need + need / 2 : need;
     Body* fresh = allocBody(cap);
     if (!fresh) return ERR_NOMEM;
     if (len) std::memcpy(fresh->data, body->data, len);

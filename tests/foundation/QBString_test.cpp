@@ -300,3 +300,20 @@ TEST(QBStringOutOfMemory, FailedWritesLeaveTheStringAsItWas) {
     EXPECT_TRUE(s == "keep");
     QBAllocator::failAllocationAfter(0);
 }
+
+TEST(QBStringGrowth, LengtheningByAnyMemberGrowsGeometrically) {
+    // Lengthening by one character at a time must not copy the text each time: count the moves
+    // of the body by watching its address.
+    QBString s("");
+    int moves = 0;
+    const char* last = s.get();
+    for (unsigned n = 1; n <= 20000; ++n) {
+        ASSERT_EQ(s.setLength(n, ' '), 0);
+        if (s.get() != last) ++moves;
+        last = s.get();
+    }
+    EXPECT_LT(moves, 40);
+    QBString shared(s);
+    ASSERT_EQ(shared.setLength(20000), 0);  // same length: stays shared
+    EXPECT_TRUE(shared.sameBody(s));
+}
