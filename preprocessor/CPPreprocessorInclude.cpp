@@ -378,7 +378,7 @@ int CPPreprocessorInclude::preprocess(CPPreprocessor* pp, CPPreprocessorFilter* 
     CPPreprocessorIncludeArg* arg = getArgument();
     IncludeSearch search{pp, this, cpGetIncludeName(arg, pp), QBString("")};
     if (search.name.isEmpty()) {
-        logErrorAtNode(this, ERR_EMPTY_NAME);
+        logErrorAtNode(getChild(0), ERR_EMPTY_NAME);
         return ERR_EMPTY_NAME;
     }
     search.name.replaceAll('\\', '/');
