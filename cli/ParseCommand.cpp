@@ -1,7 +1,9 @@
 #include "ParseCommand.h"
 
 #include <cstdio>
+#include <cstring>
 #include <string>
+#include <vector>
 
 #include "EngineCalls.h"
 #include "FileSetOptions.h"
@@ -28,7 +30,8 @@ void usage(const char* command) {
         command,
         std::string(command) == "preprocess"
             ? "  --line-markers    mark where each line came from\n"
-            : "");
+            : "  --emit            write each file's text as the parse keeps it (it must be\n"
+              "                    the file's bytes); messages go to stderr\n");
 }
 
 int addFiles(int t, const FileSetOptions& o) {
@@ -91,13 +94,61 @@ int openFileSet(const char* command, int argc, char** argv, FileSetOptions& o) {
 
 int exitFor(int openStatus) { return openStatus == -2 ? 0 : 2; }
 
+typedef int (*ParsedTextFunction)(int handle, const char* fileName, char* buffer, int size);
+
+// Takes --emit out of argv, so the shared options don't see it; true if it was there.
+bool takeEmitFlag(int& argc, char** argv) {
+    bool found = false;
+    int kept = 0;
+    for (int i = 0; i < argc; ++i) {
+        if (i > 0 && std::strcmp(argv[i], "--emit") == 0) found = true;
+        else argv[kept++] = argv[i];
+    }
+    argc = kept;
+    return found;
+}
+
+// Writes each file's text as its parse keeps it; 1 when a file gave no text.
+int emitFiles(int t, const FileSetOptions& o) {
+    auto text = reinterpret_cast<ParsedTextFunction>(
+        qbHostModuleSymbol(1, "qbRefactorParsedFileText"));
+    if (!text) {
+        std::fprintf(stderr, "qbrefactor: the engine has no qbRefactorParsedFileText\n");
+        return 1;
+    }
+    int failures = 0;
+    std::vector<char> buffer(1 << 16);
+    for (const std::string& file : o.files) {
+        int n = text(t, file.c_str(), buffer.data(), int(buffer.size()));
+        if (n > int(buffer.size())) {
+            buffer.resize(size_t(n));
+            n = text(t, file.c_str(), buffer.data(), int(buffer.size()));
+        }
+        if (n < 0) {
+            reportStatus(file, n);
+            ++failures;
+            continue;
+        }
+        std::fwrite(buffer.data(), 1, size_t(n), stdout);
+    }
+    std::fflush(stdout);
+    return failures;
+}
+
 }  // namespace
 
 int runParseCommand(int argc, char** argv) {
     FileSetOptions o;
+    bool emit = takeEmitFlag(argc, argv);
     int t = openFileSet("parse", argc, argv, o);
     if (t < 0) return exitFor(t);
     int failures = addFiles(t, o);
+    if (emit) {
+        // Only a file that gave no text fails: the messages are for the reader.
+        failures += emitFiles(t, o);
+        finish(t, 0);
+        return failures ? 1 : 0;
+    }
     int status = engineCall("refactor_c_parse", {qbArgInt(t), qbArgInt(0)});
     int rc = finish(t, status);
     if (rc == 0 && failures == 0 && o.verbose)

@@ -1,6 +1,7 @@
 #include "QBRefactorParseDriver.h"
 
 #include "BPHostMessages.h"
+#include "BPSourceCache.h"
 #include "CPParser.h"
 #include "QBRefactorCallbacks.h"
 #include "QBRefactorStatus.h"
@@ -86,11 +87,23 @@ int appendBanner(int wid, const QBString& fileName, const QBString& text) {
 
 }  // namespace
 
+// Each parse starts with no header marked as included. A record that an earlier parse's tokens
+// still share is copied first, so that their flags stay as they were.
 int refreshSourceCache(QBRefactorTransaction* transaction) {
-    // Clears each cached source's include-once mark; the cache comes with the framework, and
-    // until then there is nothing cached to refresh.
-    (void)transaction;
-    return 0;
+    BPSourceCache* cache = transaction ? transaction->sourceCache : nullptr;
+    if (!cache || cache->count() == 0) return 0;
+    int count = cache->count();
+    QBString* names = cache->keys();
+    if (!names) return QBR_ERR_NO_MEMORY;
+    int rc = 0;
+    for (int i = 0; i < count && rc == 0; ++i) {
+        BPSourceHandle* entry = cache->find(names[i]);
+        if (!entry) continue;
+        rc = entry->makePrivate();
+        if (rc == 0) (*entry)->includeOnce = false;
+    }
+    delete[] names;
+    return rc;
 }
 
 int parseFile(QBRefactorTransaction* t, CPParser* parser, bool showErrors) {
@@ -122,6 +135,7 @@ int preprocessFile(QBRefactorTransaction* t, CPParser* parser, QBString& out,
     int status = parser->preprocess(out, addLineMarkers);
     if (status >= 0) return 0;
     if (status == QBR_ERR_CANCELLED) return status;
+    t->storeErrors(parser);
     showFileErrors(t->id, parser->fileName.get());
     return parser->getErrorCount() > 0 ? QBR_ERR_FILE_HAS_ERRORS : 0;
 }
@@ -149,13 +163,15 @@ int parseAllFiles(int handle) {
     });
 }
 
-// Each file's text goes into the window behind its banner, whatever became of it.
+// Each file's text goes into the window behind its banner, whatever became of it, unless the
+// host cancelled: then nothing more is written.
 int preprocessAllFiles(int handle, int wid, int addLineMarkers) {
     return walkFiles(handle, [wid, addLineMarkers](QBRefactorTransaction* t, CPParser* parser) {
         QBString text;
         if (text.setCapacity(PREPROCESS_RESERVE) < 0) return int(QBR_ERR_NO_MEMORY);
         QBString name = parser->fileName;
         int status = preprocessFile(t, parser, text, addLineMarkers != 0);
+        if (status == QBR_ERR_CANCELLED) return status;
         int inserted = appendBanner(wid, name, text);
         return inserted < 0 && status >= 0 ? inserted : status;
     });

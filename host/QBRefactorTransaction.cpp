@@ -2,6 +2,7 @@
 
 #include <new>
 
+#include "BPSourceCache.h"
 #include "CPParser.h"
 #include "QBRefactorCallbacks.h"
 #include "QBRefactorStatus.h"
@@ -85,17 +86,21 @@ int compareFileNames(QBString a, QBString b) {
 
 QBRefactorTransaction::QBRefactorTransaction(int id)
     : id(id), parsers(compareParsers), modifiedFiles(QBString::hashString, compareFileNames),
-      errorFiles(QBString::hashString, compareFileNames) {}
+      errorFiles(QBString::hashString, compareFileNames) {
+    BPRefCountObject::assign(sourceCache, new (std::nothrow) BPSourceCache);
+    BPRefCountObject::assign(parseCache, new (std::nothrow) TBPParseCache<CPParseNodeType>);
+}
 
 QBRefactorTransaction::~QBRefactorTransaction() {
     sendMessage(QBR_MSG_RELEASING);
     for (CPParser* p : parsers) delete p;
+    if (sourceCache) sourceCache->release();
     if (parseCache) parseCache->release();
     if (refactoringData) refactoringData->release();
 }
 
 bool QBRefactorTransaction::isComplete() const {
-    return !parsers.isNull() && modifiedFiles.getBucketCount() > 0 &&
+    return !parsers.isNull() && sourceCache && parseCache && modifiedFiles.getBucketCount() > 0 &&
            errorFiles.getBucketCount() > 0;
 }
 

@@ -8,6 +8,8 @@
 #include "QBHashTable.h"
 #include "QBMemory.h"
 #include "QBString.h"
+#include "TBPParseCache.h"
+#include "CPParseNodeType.h"
 
 class BPSourceCache;
 class CPParser;
@@ -27,10 +29,10 @@ public:
 
     int id;
     quernbase::QBArray<CPParser*> parsers;
-    // Shared by every parser of the transaction. The source and parse caches come with the
-    // framework; until then both stay null and each parser reads its file itself.
+    // Shared by every parser of the transaction, so each text is read once (counted).
     BPSourceCache* sourceCache = nullptr;
-    BPRefCountObject* parseCache = nullptr;
+    // Made and released with the transaction; each preprocessor keeps a tree cache of its own.
+    TBPParseCache<CPParseNodeType>* parseCache = nullptr;
     quernbase::QBHashTable<QBString, QBString> modifiedFiles;
     quernbase::QBHashTable<QBString, QBStringArray> errorFiles;
     BPRefCountObject* refactoringData = nullptr;

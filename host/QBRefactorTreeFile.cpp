@@ -1,13 +1,15 @@
-// qbRefactorTreeFile: the parse tree of a file, for people and for round-trip checks, until the
-// parser driver reads files through the preprocessor. Directive lines are passed over: they are
-// hung on the next token as whitespace, so the text still comes back whole.
+// The trees of a parsed file for people and tools: the compilation unit printed, the messages,
+// and the text a refactoring would store after parsing (the source tree's text), so that anyone
+// can check that parsing changes no byte. Both entries go through the parser driver.
 #include <cstring>
 
-#include "BPSourceText.h"
-#include "CPLexer.h"
-#include "CPParse.h"
-#include "CPWhitespaceFilter.h"
+#include "CPParseTree.h"
+#include "CPParser.h"
+#include "CPPreprocessorNodes.h"
 #include "QBRefactorExport.h"
+#include "QBRefactorParseDriver.h"
+#include "QBRefactorStatus.h"
+#include "QBRefactorTransaction.h"
 
 using quernbase::QBString;
 
@@ -16,91 +18,70 @@ QBREFACTOR_EXPORT int qbRefactorOutput(const char* text);
 namespace {
 
 enum { TREE_PRINT = 0, TREE_ROUNDTRIP = 1, TREE_ERRORS = 2 };
-typedef TBPToken<CPParseNodeType> Token;
-
-// Folds each directive line into the whitespace of the token behind it, and turns the words
-// that only the preprocessor knows into names, as the preprocessor's output would.
-class CPDirectiveSkipper : public TBPTokenFilter<CPParseNodeType> {
-public:
-    explicit CPDirectiveSkipper(TBPTokenSource<CPParseNodeType>* source)
-        : TBPTokenFilter<CPParseNodeType>(source) {}
-
-    Token* readToken() override {
-        TokenList skipped;
-        Token* token = next();
-        while (token && (token->getType() == CPT_NEWLINE || token->getType() == CPT_POUND)) {
-            bool directive = token->getType() == CPT_POUND;
-            keep(skipped, token);
-            while (directive && (token = next()) && token->getType() != CPT_NEWLINE &&
-                   token->getType() != CPT_EOF)
-                keep(skipped, token);
-            if (directive && token && token->getType() == CPT_NEWLINE) keep(skipped, token);
-            if (token && token->getType() == CPT_EOF) break;
-            token = next();
-        }
-        if (!token) {
-            for (Token* t : skipped) t->release();
-            return nullptr;
-        }
-        for (unsigned i = 0; i < skipped.count(); ++i) {
-            token->insertWhitespace(skipped[i], int(i));  // the directives come first
-            skipped[i]->release();
-        }
-        CPParseNodeType t = token->getType();
-        if ((t >= CPT_kw_define && t <= CPT_kw_undef) || (t >= CPT_kw___cplusplus && t <= CPT_kw___TIMESTAMP__))
-            token->setType(CPT_IDENTIFIER);
-        return token;
-    }
-
-private:
-    static void keep(TokenList& list, Token* token) {
-        token->addRef();
-        list.add(token);
-    }
-};
 
 void flush(QBString& out) {
     if (out.isNotEmpty()) qbRefactorOutput(out.get());
     out.makeEmpty();
 }
 
+bool sourceTextEquals(CPParser& parser, const QBString& text) {
+    BPSourceText* source = nullptr;
+    if (CPPreprocessorUnit* tree = parser.getSourceTree()) source = tree->source.get();
+    return source && text.length() == source->length &&
+           (text.length() == 0 || std::memcmp(text.get(), source->begin, text.length()) == 0);
+}
+
 }  // namespace
 
-// Parses a file and prints its tree through qbRefactorOutput (options 0), or compares the text of
-// the tree with the file (1: 0 when equal, 1 when not), or prints the messages (2). Gives the
-// number of errors behind that in the high bits: status = result + 2 * errors for options 1.
+// Parses a file on its own (no include paths) and prints its tree through qbRefactorOutput
+// (options 0), or compares the source tree's text with the file (1: bit 0 set when they differ,
+// bit 1 when the parse logged errors), or prints the messages (2). A file that can't be read
+// gives its status.
 QBREFACTOR_EXPORT int qbRefactorTreeFile(const char* fileName, int options) {
-    BPSourceHandle source;
-    if (int rc = source.load(QBString(fileName))) return rc;
-    CPLexer* lexer = new (std::nothrow) CPLexer(source, 0);
-    if (!lexer) return -8;
-    lexer->addRef();
-    CPWhitespaceFilter* filter = new (std::nothrow) CPWhitespaceFilter(lexer);
-    CPDirectiveSkipper* skipper = filter ? new (std::nothrow) CPDirectiveSkipper(filter) : nullptr;
-    int rc = -8;
-    if (skipper) {
-        skipper->addRef();
-        CPParseTree* unit = cpParseCompilationUnit(*skipper);
-        if (unit) {
-            unit->addRef();
-            QBString out("");
-            if (options == TREE_ROUNDTRIP) {
-                unit->getText(out);
-                bool same = out.length() == source->length &&
-                            (out.length() == 0 || std::memcmp(out.get(), source->begin, out.length()) == 0);
-                rc = (same ? 0 : 1) + (unit->hasError() ? 2 : 0);
-            } else {
-                if (options == TREE_ERRORS) unit->appendErrors(out);
-                else unit->printToString(out, 0, false);
-                flush(out);
-                rc = unit->hasError() ? 1 : 0;
+    CPParser* parser = new (std::nothrow) CPParser;
+    if (!parser) return QBR_ERR_NO_MEMORY;
+    int status = parser->parse(QBString(fileName));
+    int rc = status;
+    if (parser->getSourceTree()) {
+        QBString out("");
+        bool errors = status < 0;
+        if (options == TREE_ROUNDTRIP) {
+            parser->getSourceTree()->getText(out);
+            rc = (sourceTextEquals(*parser, out) ? 0 : 1) + (errors ? 2 : 0);
+        } else {
+            if (options == TREE_ERRORS) {
+                parser->collectAllErrors();
+                quernbase::QBArray<QBString> texts;
+                parser->getErrorTexts(texts);
+                for (const QBString& text : texts) out.append(text), out.append('\n');
+            } else if (parser->getRoot()) {
+                parser->getRoot()->printToString(out, 0, false);
             }
-            unit->release();
+            flush(out);
+            rc = errors ? 1 : 0;
         }
-        skipper->release();
-    } else if (filter) {
-        delete filter;
     }
-    lexer->release();
+    delete parser;
     return rc;
+}
+
+// Parses a file of a transaction (its messages go to the transaction's error store) and copies
+// its source tree's text into buffer. Gives the text's length, which may exceed size: then call
+// again with a larger buffer (the parse is kept for that). -7502 for no transaction, -2 for a
+// file that isn't in it, or the parse's status when no text came of it.
+QBREFACTOR_EXPORT int qbRefactorParsedFileText(int handle, const char* fileName, char* buffer,
+                                               int size) {
+    QBRefactorTransaction* t = findTransaction(handle);
+    if (!t) return QBR_ERR_NO_TRANSACTION;
+    int index = -1;
+    CPParser* parser = t->findParser(QBString(fileName), index);
+    if (!parser) return QBR_ERR_FILE_NOT_FOUND;
+    int status = parseFile(t, parser, false);
+    CPPreprocessorUnit* tree = parser->getSourceTree();
+    if (!tree) return status < 0 ? status : QBR_ERR_NO_PARSER;
+    QBString text("");
+    if (tree->getText(text) < 0) return QBR_ERR_NO_MEMORY;
+    size_t copied = text.length() < unsigned(size) ? text.length() : size_t(size);
+    if (buffer && size > 0 && copied > 0) std::memcpy(buffer, text.get(), copied);
+    return int(text.length());
 }

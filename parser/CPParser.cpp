@@ -2,40 +2,21 @@
 
 #include <new>
 
-#include "BPHostMessages.h"
 #include "BPSourceCache.h"
-#include "CPLexer.h"
-#include "CPPreprocessor.h"
-#include "qbapi.h"
+#include "CPParse.h"
+#include "CPParseTree.h"
+#include "CPPreprocessorIfAdapter.h"
+#include "CPPreprocessorNodes.h"
 
 using quernbase::QBArray;
 using quernbase::QBString;
 
 namespace {
 
-enum { ERR_NO_MEMORY = -8, ERR_CANCELLED = -2038, ERR_INVALID_ARGUMENT = -3015,
+enum { ERR_NO_MEMORY = -8, ERR_CANCELLED = -2038, ERR_TREE_HAS_ERRORS = -8001,
        ERR_NO_ROOT = -8024 };
 
-// The preprocessor's view of its parser: the cancel flag and the host's callbacks.
-class ParserHost : public CPPreprocessorHost {
-public:
-    explicit ParserHost(CPParser& owner) : parser(owner) {}
-    bool isCancelled() const override { return parser.cancelled; }
-    int reportMessage(const char* text, int flag) override {
-        return parser.reportMessage(text, flag);
-    }
-    int reportProgress(int64_t current, int64_t total, int phase) override {
-        return parser.reportProgress(current, total, phase);
-    }
-    int locateFile(const char* name, char* buffer, int size) override {
-        return parser.locateFile(name, buffer, size);
-    }
-
-private:
-    CPParser& parser;
-};
-
-// The file's source record, from the transaction's cache when there is one.
+// The file's source record, from the shared cache when there is one.
 BPSourceHandle loadSource(BPSourceCache* cache, const QBString& name, int& status) {
     if (cache) return cache->getSource(name, BPSourceText::MAIN_FILE, status);
     BPSourceHandle handle;
@@ -46,51 +27,36 @@ BPSourceHandle loadSource(BPSourceCache* cache, const QBString& name, int& statu
 
 }  // namespace
 
-CPParser::CPParser() {}
-
-CPParser::~CPParser() = default;
-
-// ---- Preprocessor settings ----------------------------------------------------------------
-// They are kept here until the preprocessor exists to take them.
-
-int CPParser::addIncludePath(QBArray<QBString>& list, const QBString& path) {
-    QBString entry(path);
-    if (entry.strip(" \t") < 0) return ERR_NO_MEMORY;
-    if (entry.beginsWith("-I") || entry.beginsWith("/I")) {
-        if (entry.remove(0, 2) < 0 || entry.strip(" \t") < 0) return ERR_NO_MEMORY;
-    }
-    if (entry.isEmpty()) return 0;
-    return list.add(entry);
+// The lexer and preprocessor live inside this object: the count taken here keeps the token
+// sources that hold them from ever deleting them.
+CPParser::CPParser() : host(*this), lexer(BPSourceHandle(), 0), preprocessor(&lexer, &host) {
+    lexer.addRef();
+    preprocessor.addRef();
+    cpInstallIfEvaluator();
 }
 
+CPParser::~CPParser() { BPRefCountObject::assign(root, static_cast<CPParseTree*>(nullptr)); }
+
+// ---- Preprocessor settings ----------------------------------------------------------------
+
 int CPParser::addUserIncludePath(const QBString& path) {
-    return addIncludePath(userIncludePaths, path);
+    QBString entry(path);
+    if (entry.strip(" \t") < 0) return ERR_NO_MEMORY;
+    return entry.isEmpty() ? 0 : preprocessor.addUserIncludePath(entry);
 }
 
 int CPParser::addSystemIncludePath(const QBString& path) {
-    return addIncludePath(systemIncludePaths, path);
+    QBString entry(path);
+    if (entry.strip(" \t") < 0) return ERR_NO_MEMORY;
+    return entry.isEmpty() ? 0 : preprocessor.addSystemIncludePath(entry);
 }
 
-// Only the option's kind is checked here: -D and -U (or /D, /U), or a bare definition. Reading
-// the definition itself is the preprocessor's.
 int CPParser::addDefineOption(const QBString& option) {
-    QBString text(option);
-    char first = text.first_char();
-    if (text.length() >= 2 && (first == '"' || first == '\'') && text.last_char() == first) {
-        text = text.sub(1, text.length() - 2);
-    }
-    first = text.first_char();
-    if (first == '-' || first == '/') {
-        char kind = text.charAt(1);
-        if (kind != 'D' && kind != 'U') return ERR_INVALID_ARGUMENT;
-    }
-    return defines.add(text);
+    return preprocessor.addDefineOption(option);
 }
 
 int CPParser::setConfigFile(const QBString& path) {
-    QBString text;
-    int rc = qbReadFileToString(path, text, 0, 0, 2);
-    if (rc < 0) return rc;
+    if (int rc = preprocessor.setConfigFile(path.get())) return rc;
     configFile = path;
     return 0;
 }
@@ -99,64 +65,64 @@ int CPParser::setConfigFile(const QBString& path) {
 
 int CPParser::open(const QBString& name) {
     fileName = name;
-    // The text is read straight from the host until the shared source cache takes this over.
-    QBString text;
-    int rc = qbReadFileToString(name, text, 0, 0, 2);
-    if (rc < 0) return rc;
-    sourceText = text;
-    sourceLoaded = true;
-    return 0;
-}
-
-int CPParser::parse() {
-    if (cancelled) return ERR_CANCELLED;
-    int rc = open(fileName);
-    if (rc < 0) {
-        // A file that can't be read is reported against itself, so the user learns why.
-        if (logError(rc, 2, fileName) == ERR_NO_MEMORY) return ERR_NO_MEMORY;
-        return rc;
-    }
-    // Not yet there: the lexer, the preprocessor's trees and the grammar. No tree is made.
-    return cancelled ? ERR_CANCELLED : 0;
-}
-
-int CPParser::preprocess(QBString& out, bool addLineMarkers) {
     int status = 0;
-    BPSourceHandle source = loadSource(sourceCache, fileName, status);
+    BPSourceHandle loaded = loadSource(preprocessor.getSourceCache(), name, status);
     if (status < 0) {
+        // A file that can't be read is reported against itself, so the user learns why.
         if (logError(status, 2, fileName) == ERR_NO_MEMORY) return ERR_NO_MEMORY;
         return status;
     }
-    CPLexer* lexer = new (std::nothrow) CPLexer(source, 0);
-    if (!lexer) return ERR_NO_MEMORY;
-    lexer->addRef();
-    ParserHost host(*this);
-    CPPreprocessor* pp = new (std::nothrow) CPPreprocessor(lexer, &host);
-    int rc = pp ? 0 : ERR_NO_MEMORY;
-    if (pp) {
-        pp->addRef();
-        pp->setSourceCache(sourceCache);
-        for (unsigned i = 0; rc >= 0 && i < userIncludePaths.count(); ++i)
-            rc = pp->addUserIncludePath(userIncludePaths[i]);
-        for (unsigned i = 0; rc >= 0 && i < systemIncludePaths.count(); ++i)
-            rc = pp->addSystemIncludePath(systemIncludePaths[i]);
-        for (unsigned i = 0; rc >= 0 && i < defines.count(); ++i)
-            rc = pp->addDefineOption(defines[i]);
-        if (rc >= 0 && configFile.isNotEmpty()) rc = pp->setConfigFile(configFile.get());
-        if (rc >= 0) rc = pp->writePreprocessedText(out, addLineMarkers);
-        pp->release();
-    }
-    lexer->release();
-    if (rc < 0) return rc == ERR_CANCELLED || cancelled ? ERR_CANCELLED : rc;
-    return out.append('\n');
+    source = loaded;
+    while (lexer.getSourceCount() > 0) lexer.popSource();
+    return lexer.pushSource(source) < 0 ? ERR_NO_MEMORY : 0;
 }
 
+// -8001 when any tree of the file carries the error flag.
+int CPParser::treeStatus() const {
+    if (!root || root->hasError()) return ERR_TREE_HAS_ERRORS;
+    CPPreprocessorUnit* sourceTree = preprocessor.getSourceTree();
+    if (sourceTree && sourceTree->hasError()) return ERR_TREE_HAS_ERRORS;
+    CPPreprocessorUnit* outputTree = preprocessor.getOutputTree();
+    if (outputTree && outputTree->hasError()) return ERR_TREE_HAS_ERRORS;
+    return 0;
+}
+
+// Reading the first token makes the preprocessor read the source tree and run it, so the whole
+// file is preprocessed before the first declaration is parsed.
+int CPParser::parse(const QBString& name) {
+    if (cancelled) return ERR_CANCELLED;
+    if (int rc = open(name)) return rc;
+    CPParseTree* unit = cpParseCompilationUnit(preprocessor);
+    BPRefCountObject::assign(root, unit);
+    if (cancelled) return ERR_CANCELLED;
+    if (CPPreprocessorUnit* sourceTree = preprocessor.getSourceTree()) sourceTree->source = source;
+    if (!root && !preprocessor.getSourceTree()) return ERR_NO_MEMORY;
+    return treeStatus();
+}
+
+int CPParser::preprocess(QBString& out, bool addLineMarkers) {
+    if (cancelled) return ERR_CANCELLED;
+    if (int rc = open(fileName)) return rc;
+    int rc = preprocessor.writePreprocessedText(out, addLineMarkers);
+    if (rc < 0) return cancelled ? ERR_CANCELLED : rc;
+    if (out.append('\n') < 0) return ERR_NO_MEMORY;
+    CPPreprocessorUnit* sourceTree = preprocessor.getSourceTree();
+    CPPreprocessorUnit* outputTree = preprocessor.getOutputTree();
+    if ((sourceTree && sourceTree->hasError()) || (outputTree && outputTree->hasError()))
+        return ERR_TREE_HAS_ERRORS;
+    return 0;
+}
+
+// Analysis is not there yet: both passes only check that there is a tree to analyse.
 int CPParser::analyzeFirstPass() {
-    // Analysis runs on the root, which the grammar (not yet there) makes.
-    return ERR_NO_ROOT;
+    if (!root) return ERR_NO_ROOT;
+    return checkCancelled();
 }
 
-int CPParser::analyzeSecondPass() { return ERR_NO_ROOT; }
+int CPParser::analyzeSecondPass() {
+    if (!root) return ERR_NO_ROOT;
+    return checkCancelled();
+}
 
 // ---- Messages -----------------------------------------------------------------------------
 
@@ -170,13 +136,18 @@ int CPParser::logError(int code, int severity, const QBString& argument) {
     if (rc >= 0) rc = record.arguments.add(QBString("0"));
     if (rc >= 0) rc = record.addNumber(code);
     if (rc >= 0) rc = record.arguments.add(argument);
+    if (rc >= 0) rc = loadErrors.addRecord(record);
     if (rc >= 0) rc = errors.addRecord(record);
     return rc < 0 ? ERR_NO_MEMORY : 0;
 }
 
+// Gathered afresh each time, so that calling it twice doesn't repeat a message.
 int CPParser::collectAllErrors() {
-    // The trees' own messages join these once the trees exist.
-    return 0;
+    errors.clearRecords();
+    if (errors.merge(loadErrors) < 0) return ERR_NO_MEMORY;
+    if (int rc = preprocessor.collectErrors(errors); rc < 0) return rc;
+    if (!root || !root->hasError()) return 0;
+    return root->collectErrors(errors);
 }
 
 int CPParser::getErrorCount() const { return errors.getErrorCount(); }
@@ -217,4 +188,16 @@ int CPParser::locateFile(const char* includeName, char* buffer, int size) {
     int answer = locateFileCallback(transactionId, fileName.get(), includeName, buffer, size);
     if (answer == ERR_CANCELLED) cancelled = true;
     return answer;
+}
+
+int CPParser::Host::reportMessage(const char* text, int flag) {
+    return parser.reportMessage(text, flag);
+}
+
+int CPParser::Host::reportProgress(int64_t current, int64_t total, int phase) {
+    return parser.reportProgress(current, total, phase);
+}
+
+int CPParser::Host::locateFile(const char* name, char* buffer, int size) {
+    return parser.locateFile(name, buffer, size);
 }

@@ -1,20 +1,28 @@
 // CPParser: what a transaction holds for one source file, and the driver of that file's front end.
 //
-// This is the parser's outer shell: its settings, its host callbacks with the cancel rule, its
-// collected messages, and the stage calls of parse and preprocess. The front end behind it (the
-// source cache, lexer, preprocessor, grammar and analysis) is not built yet; each stage that
-// belongs to it says so where it would run, and produces nothing.
+// It owns the pipeline of the file: the source text, the lexer and the preprocessor (both by
+// value, so one allocation makes them), the compilation unit the grammar builds from the
+// preprocessor's output, and the file's collected messages. The preprocessor reaches back here
+// for the cancel flag and the host's callbacks.
+//
+// The new text of a file is its source tree's text, not that of the compilation unit: macro
+// calls and inactive branches live only in the source tree.
 #pragma once
 
 #include <cstdint>
 
+#include "BPSourceText.h"
+#include "CPLexer.h"
 #include "CPParseNodeType.h"
+#include "CPPreprocessor.h"
 #include "QBArray.h"
 #include "QBMemory.h"
 #include "QBString.h"
 #include "TBPErrorLog.h"
 
 class BPSourceCache;
+class CPParseTree;
+class CPPreprocessorUnit;
 
 class CPParser : public quernbase::QBMemory {
 public:
@@ -36,26 +44,39 @@ public:
     quernbase::QBString defineOptions;
     int transactionId = -1;
 
-    // Preprocessor settings; they must all be given before the first parse.
+    // Preprocessor settings; they must all be given before the first parse. An empty include
+    // path is passed over.
     int addUserIncludePath(const quernbase::QBString& path);
     int addSystemIncludePath(const quernbase::QBString& path);
     int addDefineOption(const quernbase::QBString& option);
     int setConfigFile(const quernbase::QBString& path);
-    void setSourceCache(BPSourceCache* cache) { sourceCache = cache; }
-    const quernbase::QBArray<quernbase::QBString>& getUserIncludePaths() const { return userIncludePaths; }
-    const quernbase::QBArray<quernbase::QBString>& getSystemIncludePaths() const { return systemIncludePaths; }
+    void setSourceCache(BPSourceCache* cache) { preprocessor.setSourceCache(cache); }
+    const quernbase::QBArray<quernbase::QBString>& getUserIncludePaths() const {
+        return preprocessor.getUserIncludePaths();
+    }
+    const quernbase::QBArray<quernbase::QBString>& getSystemIncludePaths() const {
+        return preprocessor.getSystemIncludePaths();
+    }
     const quernbase::QBString& getConfigFile() const { return configFile; }
     // True once the preprocessor has made its output tree: the file is parsed.
-    bool hasOutputTree() const { return false; }
+    bool hasOutputTree() const { return preprocessor.getOutputTree() != nullptr; }
 
-    // The pipeline
+    // The pipeline. parse gives 0, -8001 when a tree has errors, -2038, or the load status.
     int open(const quernbase::QBString& name);
-    int parse();
+    int parse(const quernbase::QBString& name);
+    int parse() { return parse(fileName); }
+    // The preprocessed text into out, with a final line feed; -8001 when a tree has errors.
     int preprocess(quernbase::QBString& out, bool addLineMarkers);
     int analyzeFirstPass();
     int analyzeSecondPass();
 
-    // Collected messages
+    // The trees, for the refactorings and tools.
+    CPParseTree* getRoot() const { return root; }
+    CPPreprocessor& getPreprocessor() { return preprocessor; }
+    CPPreprocessorUnit* getSourceTree() const { return preprocessor.getSourceTree(); }
+
+    // Collected messages: the load failure, then those of the source tree, the headers, the
+    // output tree and the compilation unit.
     int collectAllErrors();
     int getErrorCount() const;
     int getWarningCount() const;
@@ -70,15 +91,27 @@ public:
     int checkCancelled() const { return cancelled ? -2038 : 0; }
 
 private:
-    quernbase::QBString sourceText;
-    bool sourceLoaded = false;
-    BPSourceCache* sourceCache = nullptr;
-    quernbase::QBArray<quernbase::QBString> userIncludePaths;
-    quernbase::QBArray<quernbase::QBString> systemIncludePaths;
-    quernbase::QBArray<quernbase::QBString> defines;
-    quernbase::QBString configFile;
-    TBPErrorLog<CPParseNodeType> errors;
+    // The preprocessor's view of this parser.
+    class Host : public CPPreprocessorHost {
+    public:
+        explicit Host(CPParser& owner) : parser(owner) {}
+        bool isCancelled() const override { return parser.cancelled; }
+        int reportMessage(const char* text, int flag) override;
+        int reportProgress(int64_t current, int64_t total, int phase) override;
+        int locateFile(const char* name, char* buffer, int size) override;
 
-    static int addIncludePath(quernbase::QBArray<quernbase::QBString>& list,
-                              const quernbase::QBString& path);
+    private:
+        CPParser& parser;
+    };
+
+    BPSourceHandle source;
+    Host host;
+    CPLexer lexer;
+    CPPreprocessor preprocessor;
+    CPParseTree* root = nullptr;  // counted
+    TBPErrorLog<CPParseNodeType> errors;
+    TBPErrorLog<CPParseNodeType> loadErrors;
+    quernbase::QBString configFile;
+
+    int treeStatus() const;
 };

@@ -86,6 +86,7 @@ CPPreprocessor::~CPPreprocessor() {
     BPRefCountObject::assign(sourceTree, static_cast<CPPreprocessorUnit*>(nullptr));
     BPRefCountObject::assign(outputTree, static_cast<CPPreprocessorUnit*>(nullptr));
     BPRefCountObject::assign(sourceCache, static_cast<BPSourceCache*>(nullptr));
+    BPRefCountObject::assign(parseCache, static_cast<TBPParseCache<CPParseNodeType>*>(nullptr));
 }
 
 void CPPreprocessor::formatDateAndTime() {
@@ -106,6 +107,14 @@ BPSourceCache* CPPreprocessor::getSourceCache() {
         if (cache) setSourceCache(cache);
     }
     return sourceCache;
+}
+
+TBPParseCache<CPParseNodeType>* CPPreprocessor::getParseCache() {
+    if (!parseCache) {
+        TBPParseCache<CPParseNodeType>* cache = new (std::nothrow) TBPParseCache<CPParseNodeType>;
+        if (cache) BPRefCountObject::assign(parseCache, cache);
+    }
+    return parseCache;
 }
 
 int CPPreprocessor::addUserIncludePath(const QBString& path) {
@@ -211,6 +220,13 @@ TBPToken<CPParseNodeType>* CPPreprocessor::nextServedToken() {
 int CPPreprocessor::collectErrors(TBPErrorLog<CPParseNodeType>& log) {
     if (sourceTree && sourceTree->hasError())
         if (int rc = sourceTree->collectErrors(log); rc < 0) return rc;
+    if (parseCache) {
+        QBArray<TBPParseTree<CPParseNodeType>*> headers;
+        if (parseCache->getTrees(headers) < 0) return CPPP_ERR_NOMEM;
+        for (TBPParseTree<CPParseNodeType>* header : headers)
+            if (header && header->hasError())
+                if (int rc = header->collectErrors(log); rc < 0) return rc;
+    }
     if (outputTree && outputTree->hasError())
         if (int rc = outputTree->collectErrors(log); rc < 0) return rc;
     return 0;

@@ -13,6 +13,7 @@
 #include "CPParseNodeType.h"
 #include "QBArray.h"
 #include "QBString.h"
+#include "TBPParseCache.h"
 #include "TBPTokenSource.h"
 
 class CPPreprocessorFilter;
@@ -38,11 +39,6 @@ public:
     // Evaluates the expanded tokens of an #if or #elif condition (the grammar's expression
     // routine, installed by the parser layer). status < 0 marks the condition false.
     typedef int64_t (*IfEvaluator)(CPPreprocessor* pp, CPPreprocessorFilter* tokens, int& status);
-    // Finds, reads and runs the file an #include (or the configuration header) names,
-    // appending its output to target.
-    typedef int (*IncludeHandler)(CPPreprocessor* pp, CPPreprocessorFilter* directive,
-                                  CPPreprocessorFilter* target, bool flat,
-                                  CPPreprocessorMacro* call, int depth);
 
     explicit CPPreprocessor(TBPTokenSource<CPParseNodeType>* source,
                             CPPreprocessorHost* host = nullptr);
@@ -73,6 +69,8 @@ public:
     // For the node family.
     CPMacroTable& getMacroTable() { return macroTable; }
     BPSourceCache* getSourceCache();
+    // The source trees of the headers read so far, by path; made on first use.
+    TBPParseCache<CPParseNodeType>* getParseCache();
     const quernbase::QBString& getDateText() const { return dateText; }
     const quernbase::QBString& getTimeText() const { return timeText; }
     const quernbase::QBArray<quernbase::QBString>& getUserIncludePaths() const {
@@ -86,14 +84,13 @@ public:
 
     static void setIfEvaluator(IfEvaluator evaluator) { ifEvaluator = evaluator; }
     static IfEvaluator getIfEvaluator() { return ifEvaluator; }
-    static void setIncludeHandler(IncludeHandler handler) { includeHandler = handler; }
-    static IncludeHandler getIncludeHandler() { return includeHandler; }
 
 private:
     quernbase::QBArray<quernbase::QBString> userIncludePaths;
     quernbase::QBArray<quernbase::QBString> systemIncludePaths;
     CPMacroTable macroTable;
     BPSourceCache* sourceCache = nullptr;  // counted
+    TBPParseCache<CPParseNodeType>* parseCache = nullptr;  // counted
     quernbase::QBString dateText;
     quernbase::QBString timeText;
     quernbase::QBString configFile;
@@ -105,7 +102,6 @@ private:
     CPPreprocessorHost* host;
 
     static inline IfEvaluator ifEvaluator = nullptr;
-    static inline IncludeHandler includeHandler = nullptr;
 
     void formatDateAndTime();
     int addOneDefine(const quernbase::QBString& piece);

@@ -136,19 +136,4 @@ CPPreprocessorIncludeArg* CPPreprocessorInclude::getArgument() const {
                : nullptr;
 }
 
-// Finding and reading the named file is the include handler's; without one the directive is
-// kept in the source tree and produces nothing.
-int CPPreprocessorInclude::preprocess(CPPreprocessor* pp, CPPreprocessorFilter* target, bool flat,
-                                      CPPreprocessorMacro* call, int depth) {
-    if (isCancelled(pp)) return CPPP_ERR_CANCELLED;
-    CPPreprocessor::IncludeHandler handler = CPPreprocessor::getIncludeHandler();
-    return handler && pp ? handler(pp, this, target, flat, call, depth) : 0;
-}
-
-int CPPreprocessorConfigFile::preprocess(CPPreprocessor* pp, CPPreprocessorFilter* target,
-                                         bool flat, CPPreprocessorMacro* call, int depth) {
-    if (isCancelled(pp)) return CPPP_ERR_CANCELLED;
-    if (path.isEmpty()) return 0;
-    CPPreprocessor::IncludeHandler handler = CPPreprocessor::getIncludeHandler();
-    return handler && pp ? handler(pp, this, target, flat, call, depth) : 0;
-}
+// CPPreprocessorInclude and CPPreprocessorConfigFile run in CPPreprocessorInclude.cpp.

@@ -85,7 +85,7 @@ class CPPreprocessorImport : public CPPreprocessorDirective {
     CP_PREPROCESSOR_NODE(CPPreprocessorImport, CPPreprocessorDirective, CPN_PreprocessorImport)
 };
 
-// #include. Running it asks the preprocessor's include hook (CPPreprocessor::includeFile).
+// #include. Running it finds, reads and runs the named file (CPPreprocessorInclude.cpp).
 class CPPreprocessorInclude : public CPPreprocessorDirective {
     CP_PREPROCESSOR_NODE(CPPreprocessorInclude, CPPreprocessorDirective, CPN_PreprocessorInclude)
     int preprocess(CPPreprocessor* pp, CPPreprocessorFilter* target, bool flat,

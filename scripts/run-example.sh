@@ -16,12 +16,12 @@ show() {
 }
 
 show --help
-show parse -v -I examples/include -DUSE_TAU=6.283185 examples/src/geometry.c \
+show parse -v -I examples/include -isystem examples/sysinclude -DUSE_TAU=6.283185 examples/src/geometry.c \
   examples/src/Inventory.cpp examples/src/main.cpp
-show preprocess examples/src/geometry.c
+show preprocess -I examples/include -isystem examples/sysinclude examples/src/geometry.c
 # A missing file is reported against itself, and the run fails; --keep-going parses the rest.
 set +e
-show parse --keep-going -I examples/include examples/src/main.cpp examples/src/missing.cpp
+show parse --keep-going -I examples/include -isystem examples/sysinclude examples/src/main.cpp examples/src/missing.cpp
 status=$?
 set -e
 if [ "$status" -ne 1 ]; then
