@@ -52,6 +52,8 @@ std::vector<GoldenCase> statementCases() {
          "void f() { x = 1 y = 2; z = 3; }\n", true, {"IDENTIFIER=3           z"}},
         {"broken_for_header", "the for statement's recovery stops at ) and leaves its body",
          "void f() { for (int i = ; ; ) x(); y(); }\n", true},
+        {"condition_without_declarator", "a condition that is neither an expression nor a declaration keeps its tokens",
+         "void f() { while (T * = next()) { } }\n", true, {"IDENTIFIER=3           T"}},
     };
 }
 
