@@ -68,3 +68,16 @@ TEST(Recovery, DamagedCasesKeepEveryByte) {
         }
     }
 }
+
+// A stray token dropped into every case: closers, an angle bracket, a scope operator.
+TEST(Recovery, StrayTokensKeepEveryByte) {
+    const char* strays[] = {")", "}", "<", "::", "? "};
+    for (const GoldenCase& c : allCases()) {
+        for (size_t at = 0; at < c.source.size(); at += 6) {
+            for (const char* stray : strays) {
+                std::string input = c.source.substr(0, at) + stray + c.source.substr(at);
+                EXPECT_EQ(parseSource(input).text, input) << c.name;
+            }
+        }
+    }
+}
