@@ -2,7 +2,7 @@
 //
 // A pattern reads like the grammar: `DeclSpecifierSequence? InitDeclaratorList? SEMICOLON`.
 // A name is a node's print name, a token kind's, a keyword's spelling, or one of the family
-// names below. A group `( a | b c )` is a choice of sequences. An optional or repeated choice
+// names below, or TOKEN for a token of any kind. A group `( a | b c )` is a choice of sequences. An optional or repeated choice
 // also accepts a null child in its place, since absent optional items keep their slots.
 #include <cstring>
 
@@ -82,8 +82,9 @@ private:
             while (*p && *p != ' ' && *p != '?' && *p != '*' && *p != '+' && *p != ')' &&
                    *p != '|')
                 ++p;
-            int type = lookUp(start, unsigned(p - start));
-            return CPShapeRule{type, suffix(), nullptr};
+            unsigned length = unsigned(p - start);
+            if (length == 5 && std::strncmp(start, "TOKEN", 5) == 0) return anyToken(suffix());
+            return CPShapeRule{lookUp(start, length), suffix(), nullptr};
         }
         ++p;
         quernbase::QBArray<CPShapeRule*> choices;
@@ -96,6 +97,16 @@ private:
         int op = suffix();
         if (choices.count() == 1) return CPShapeRule{0, op, choices[0]};
         return choice(choices, op);
+    }
+    // A choice of every token kind: the raw runs of assembly and of attributes.
+    static CPShapeRule anyToken(int op) {
+        quernbase::QBArray<CPShapeRule*> kinds;
+        for (int t = 1; t <= CPT_LAST_TOKEN; ++t) {
+            quernbase::QBArray<CPShapeRule> one;
+            one.add(CPShapeRule{t, ' ', nullptr});
+            kinds.add(finish(one));
+        }
+        return choice(kinds, op);
     }
     // A single-item alternative stands as itself; longer ones as sequences.
     static CPShapeRule choice(quernbase::QBArray<CPShapeRule*>& choices, int op) {

@@ -364,15 +364,19 @@ CPParseTree* parseCondition(CPParseContext& ctx, unsigned flags) {
         ctx.mark();  // stands in for the inner mark of the reading below
     }
     ctx.rollback(expression);
+    ctx.mark();
     CPAssignmentCondition* assignment = make<CPAssignmentCondition>();
     CPParseTree* type = assignment ? parseTypeSpecifier(ctx, 0) : nullptr;
     CPParseTree* declarator = type ? parseDeclarator(ctx, CPPARSE_KEYWORD_NAMES) : nullptr;
     if (!declarator) {
+        // The type's tokens go back, so that the recovery keeps them in the tree.
         cpFree(type);
         cpFree(assignment);
+        ctx.rollback();
         if (flags & CPPARSE_OPTIONAL) return ctx.rollback(node);
         return ctx.failHere(node);
     }
+    ctx.source.commit();
     assignment->addChild(type);
     assignment->addChild(declarator);
     node->addChild(assignment);

@@ -135,6 +135,12 @@ CPParseTree* parseTemplateDeclaration(CPParseContext& ctx, unsigned flags) {
 
 namespace {
 
+// The places of `=` and the default, so that both kinds of parameter keep fixed positions.
+void addDefaultSlots(CPParseTree* node) {
+    node->addChild(nullptr);
+    node->addChild(nullptr);
+}
+
 // class-or-typename identifier? ( = type-id )?
 CPParseTree* typeParameter(CPParseContext& ctx, CPParseTree* node) {
     for (int i = 0; i < 4; ++i) node->addChild(nullptr);
@@ -146,7 +152,7 @@ CPParseTree* typeParameter(CPParseContext& ctx, CPParseTree* node) {
     if (ctx.accept(node, CPT_EQUALS)) {
         if (!ctx.require(node, parseTypeId(ctx, 0))) return ctx.bail(node);
     } else {
-        node->addChild(nullptr);
+        addDefaultSlots(node);
     }
     return ctx.commit(node);
 }
@@ -164,6 +170,8 @@ CPParseTree* templateTemplateParameter(CPParseContext& ctx, CPParseTree* node) {
     node->addChild(name);
     if (ctx.accept(node, CPT_EQUALS)) {
         if (!ctx.require(node, parseIdExpression(ctx, 0))) return ctx.bail(node);
+    } else {
+        addDefaultSlots(node);
     }
     QBString text;
     cpSpelledName(name, text);

@@ -1,0 +1,82 @@
+// Golden trees of expressions and initializer clauses.
+#include <gtest/gtest.h>
+
+#include "support/GoldenTrees.h"
+
+std::vector<GoldenCase> expressionCases() {
+    return {
+        {"precedence_ladder", "each binary level binds tighter than the one before it",
+         "int x = a + b * c - d / e % f << 1 >> 2 < 3 <= 4 > 5 >= 6 == 7 != 8 & 9 ^ 10 | 11 && 12 || 13;\n", false,
+         {"[LogicalOrExpression", "[LogicalAndExpression", "[InclusiveOrExpression", "[ExclusiveOrExpression",
+          "[AndExpression", "[EqualityExpression", "[RelationalExpression", "[ShiftExpression",
+          "[AdditiveExpression", "[MultiplicativeExpression"}},
+        {"associativity", "x = y = 1 nests to the right, a - b - c to the left",
+         "void f() { x = y = 1; a -= b - c - d; }\n", false, {"[AssignmentExpression", "MINUS_EQUALS="}},
+        {"conditional_and_minmax", "?: with a null middle; <? and >? take a comma into their right side",
+         "void f() { r = a ? b : c; r = a ? : b; a <? b; a >? b, c; }\n", false,
+         {"[ConditionalExpression", "[MinMaxExpression"}},
+        {"casts_and_parentheses", "(int)x and (a) * b are casts; (x) at the end is parenthesized; (T){1, 2} a compound literal",
+         "void f() { y = (int)x; y = (x); y = (a) * b; y = (a)(b); y = (T){1, 2}; y = (char *)&z; }\n", false,
+         {"[CStyleCastExpression", "[ParenthesizedExpression", "[InitializerList"}},
+        {"parameter_is_no_type", "(x) + 1 is no cast when x is a parameter",
+         "int f(int x) { return (x) + 1; }\n", false, {"[AdditiveExpression"}, {"[CStyleCastExpression"}},
+        {"unary_forms", "unary operators, increments and the sizeof forms",
+         "void f() { y = -a + !b + ~c + *p + &q + +r; ++i; --j; y = not d; y = compl e; "
+         "y = sizeof x + sizeof(int) + sizeof(x) + 1; }\n",
+         false, {"[UnaryOperatorExpression", "[PreIncrementExpression", "[PreDecrementExpression", "[SizeofExpression"}},
+        {"new_and_delete", "placement, parenthesized type, arrays, global scope",
+         "void f() { p = new (q) T(1); p = new (T); p = new T[3][4]; p = ::new T; p = new int*[n]; "
+         "delete p; delete [] q; ::delete r; }\n",
+         false, {"[NewExpression", "[NewPlacement", "[NewTypeID", "[ScalarNewDeclarator",
+                 "[ScalarConstantNewDeclarator", "[NewInitializer", "[DeleteExpression"}},
+        {"postfix_forms", "subscripts, calls, member access, template members, increments",
+         "void f() { a[1]; g(); g(1, 2); a.b; p->c; a.template f<int>(); i++; j--; this->x; }\n", false,
+         {"[ArrayAccessExpression", "[FunctionCallExpression", "[MemberAccessExpression", "[PostIncrementExpression",
+          "[PostDecrementExpression", "[ThisExpression"}},
+        {"pseudo_destructors", "a->~T(), p->T::~T() and a qualified pseudo destructor",
+         "void f() { a->~T(); p->T::~T(); p->::N::T::~T(); a.~T(); }\n", false,
+         {"[DestructorMemberAccessExpression", "[PseudoDestructorName"}},
+        {"postfix_increment_stops", "a++ ++ stops behind the first operator", "void f() { a++ ++; }\n", true},
+        {"function_style_casts", "int(3) is a cast, T(3) a call, typename T::type(1) a typename expression",
+         "void f() { x = int(3) + T(3); x = typename T::type(1); }\n", false,
+         {"[FunctionStyleCastExpression", "[TypenameExpression", "[FunctionCallExpression"}},
+        {"cpp_casts_and_typeid", "the four keyword casts and typeid of a type and of an expression",
+         "void f() { x = static_cast<int>(y); p = dynamic_cast<B*>(q); c = reinterpret_cast<char*>(q); "
+         "r = const_cast<const A&>(a); t = typeid(int); t = typeid(x); }\n",
+         false, {"[CppCastExpression", "[TypeIDExpression"}},
+        {"literals", "adjacent strings make one literal; characters, numbers and booleans",
+         "void f() { s = \"a\" \"b\"; w = L\"x\" L\"y\"; c = 'c'; n = 1.5f + 2L + 0x10 + true + false; }\n", false,
+         {"[Literal", "STRING="}},
+        {"string_then_wide", "\"a\" \"b\" L\"c\" gives a literal and then a syntax error",
+         "void f() { s = \"a\" \"b\" L\"c\"; }\n", true},
+        {"pointer_to_member_and_comma", "the PM level, the comma operator and throw as an expression",
+         "void f() { x = a.*pm; x = p->*pm; a = 1, b = 2; throw; throw E(1); }\n", false,
+         {"[PMExpression", "[ThrowExpression"}},
+        {"alternative_tokens", "and, or, not, bitand, bitor, xor, not_eq, and the assignment words",
+         "void f() { r = a and b or not c; r = a bitand b bitor c xor d; x and_eq 1; x or_eq 2; x xor_eq 3; "
+         "r = a not_eq b; }\n",
+         false, {"and=", "or="}},
+        {"qualified_names", "global and nested names, operator calls",
+         "void f() { ::x = ::N::y + N::f(); a.operator+(b); operator delete(p); ::operator delete(p); x = ::g<int>(1); }\n", false,
+         {"[QualifiedIdentifier", "[QualifiedClassID", "[OperatorFunctionID", "[QualifiedOperatorFunctionID",
+          "[QualifiedTemplateID"}},
+        {"microsoft_and_gnu_forms", "__is_base_of, __typeof in an expression, a statement expression",
+         "void f() { b = __is_base_of(A, B); __typeof(x) y = x; z = ({ int q = 1; q; }); }\n", false,
+         {"[Microsoft C++ Type Trait", "[TypeofTypeSpecifier", "[BlockStatement"}},
+        {"designators", "{ .x = 1, [2] = 3, y: 4 } reads the three designator forms",
+         "struct P p = { .x = 1, [2] = 3, y: 4, .a.b[1] = 5 };\n", false,
+         {"[InitializerClause", "DOT=", "COLON="}},
+        {"nested_initializer_lists", "nested braces and a trailing COMMA",
+         "int a[2][2] = { {1, 2}, {3, 4}, };\n", false, {"[InitializerList"}},
+        {"if_exists_initializers", "__if_exists items in an initializer list, with and without COMMA",
+         "int a[] = { __if_exists(X) { 1 } 2, __if_not_exists(Y) { {3} }, 4 };\n", false,
+         {"[IfExistsInitializerClause"}},
+        {"sizeof_unknown_type", "sizeof(T) with an unknown T is the expression form",
+         "int n = sizeof(T);\n", false, {"[ParenthesizedExpression"}},
+        {"casts_before_operators", "(int)-1 and (a) - b are casts; sizeof(int) * 2 multiplies; return (x);",
+         "int f() { y = (int)-1; y = (a) - b; y = sizeof(int) * 2; p = new (std::nothrow) T; return (x); }\n", false,
+         {"[CStyleCastExpression", "[MultiplicativeExpression", "[NewPlacement"}},
+    };
+}
+
+TEST(Expressions, GoldenTrees) { checkFamily("Expressions", expressionCases()); }
