@@ -201,7 +201,15 @@ int indexHolding(const TBPParseNode<CPParseNodeType>* root,
 // of a node is its own written token (a body token in the #define, or an argument's token).
 TBPToken<CPParseNodeType>* CPPreprocessorFilter::getWrittenToken(Node* child, unsigned index) {
     if (isInDefine() || !child) return nullptr;
-    int i = getChild(index) == child ? int(index) : indexHolding(this, child);
+    int i = int(index);
+    if (getChild(index) != child) {
+        // Only whether child comes first matters below. A subtree's parent link is reliable,
+        // so a deep search (slow on a large file) is left for shared tokens.
+        if (child->isTree() && child->getParent() == this)
+            i = getChild(0) == child ? 0 : 1;
+        else
+            i = indexHolding(this, child);
+    }
     if (i < 0) return nullptr;
     Token* firstOfChild = child->getFirstToken();
     if (i > 0) return firstOfChild;
