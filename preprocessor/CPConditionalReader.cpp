@@ -8,15 +8,6 @@ namespace {
 
 typedef TBPToken<CPParseNodeType> Token;
 
-int adopt(CPPreprocessorFilter* node, CPPreprocessorFilter* child) {
-    if (!child) return CPPP_ERR_NOMEM;
-    if (node->addChild(child) != 0) {
-        delete child;
-        return CPPP_ERR_NOMEM;
-    }
-    return 0;
-}
-
 bool isBranchWord(int kind) {
     return kind == CPT_kw_elif || kind == CPT_kw_else || kind == CPT_kw_endif;
 }
@@ -52,13 +43,13 @@ CPPreprocessorIfExpression* parseIfExpression(CPTokenSource& source, int depth) 
     for (int kind = source.currentType(); rc == 0 && !cpAtLineEnd(kind);
          kind = source.currentType()) {
         if (kind == CPT_kw_defined) rc = readDefined(source, expr);
-        else if (cpIsBuiltinKind(kind)) rc = adopt(expr, cpParseBuiltin(source));
+        else if (cpIsBuiltinKind(kind)) rc = cpAdoptChild(expr, cpParseBuiltin(source));
         else if (cpIsIdentifierLike(kind)) {
             // Keywords are names here, apart from the two that are values.
             if (kind != CPT_kw_true && kind != CPT_kw_false)
                 source.currentToken()->setType(CPT_IDENTIFIER);
             if (source.currentType() == CPT_IDENTIFIER)
-                rc = adopt(expr, cpParseMacroCall(source, depth, nullptr));
+                rc = cpAdoptChild(expr, cpParseMacroCall(source, depth, nullptr));
             else rc = cpTakeToken(source, expr);
         } else rc = cpTakeToken(source, expr);
     }
@@ -77,7 +68,7 @@ Node* parseConditionDirective(CPTokenSource& source, int depth, bool required) {
     int rc = cpTakeToken(source, node);
     if (rc == 0) rc = cpTakeToken(source, node);
     CPPreprocessorIfExpression* expr = rc == 0 ? parseIfExpression(source, depth) : nullptr;
-    if (rc == 0 && expr) rc = adopt(node, expr);
+    if (rc == 0 && expr) rc = cpAdoptChild(node, expr);
     else if (rc == 0 && required) node->logErrorAtSource(source, CPPP_ERR_MALFORMED);
     else if (rc == 0) rc = node->addChild(nullptr);
     if (rc == 0) rc = cpTakeRestOfLine(source, node);
@@ -162,7 +153,7 @@ CPPreprocessorIfBody* parseIfBody(CPTokenSource& source, int depth) {
         int kind = source.currentType();
         if (cpAtEnd(kind)) break;
         if (kind == CPT_POUND && isBranchWord(source.peekType(1))) break;
-        rc = adopt(body, kind == CPT_POUND ? cpParseDirective(source, depth)
+        rc = cpAdoptChild(body, kind == CPT_POUND ? cpParseDirective(source, depth)
                                            : cpParseText(source, depth));
         kind = source.currentType();
         if (rc != 0 || cpAtEnd(kind)) break;
@@ -183,9 +174,9 @@ CPPreprocessorIfBody* parseIfBody(CPTokenSource& source, int depth) {
 
 int readBranch(CPTokenSource& source, CPPreprocessorIfGroup* group, CPPreprocessorFilter* opener,
                int depth) {
-    int rc = adopt(group, opener);
+    int rc = cpAdoptChild(group, opener);
     if (rc == 0) rc = takeNewline(source, group);
-    if (rc == 0) rc = adopt(group, parseIfBody(source, depth));
+    if (rc == 0) rc = cpAdoptChild(group, parseIfBody(source, depth));
     return rc;
 }
 
@@ -204,7 +195,7 @@ CPPreprocessorIfGroup* cpParseIfGroup(CPTokenSource& source, int depth) {
         rc = readBranch(source, group, parseClosingDirective<CPPreprocessorElse>(source, 0),
                         depth);
     if (rc == 0 && branchAhead(source, CPT_kw_endif)) {
-        rc = adopt(group, parseClosingDirective<CPPreprocessorEndif>(source, 2));
+        rc = cpAdoptChild(group, parseClosingDirective<CPPreprocessorEndif>(source, 2));
     } else if (rc == 0) {
         rc = group->addChild(nullptr);
         group->logErrorAtSource(source, CPPP_ERR_MISSING_TOKEN, "#endif");

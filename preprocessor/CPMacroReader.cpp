@@ -10,15 +10,6 @@ namespace {
 
 typedef TBPToken<CPParseNodeType> Token;
 
-int adopt(CPPreprocessorFilter* node, CPPreprocessorFilter* child) {
-    if (!child) return CPPP_ERR_NOMEM;
-    if (node->addChild(child) != 0) {
-        delete child;
-        return CPPP_ERR_NOMEM;
-    }
-    return 0;
-}
-
 bool isFormal(const CPFormalSet* formals, Token* token) {
     return formals && token && formals->contains(token->getSpellingConst());
 }
@@ -60,9 +51,9 @@ int readConcatOperand(CPTokenSource& source, CPPreprocessorFilter* node, int dep
     int kind = source.currentType();
     if (kind == CPT_POUND_POUND || cpAtLineEnd(kind)) return node->addChild(nullptr);
     if (cpIsIdentifierLike(kind) && isFormal(formals, token) && source.peekType(1) != CPT_LEFT_PAREN)
-        return adopt(node, parseDefineArgument(source));
-    if (cpIsIdentifierLike(kind)) return adopt(node, cpParseMacroCall(source, depth, formals));
-    if (cpIsBuiltinKind(kind)) return adopt(node, cpParseBuiltin(source));
+        return cpAdoptChild(node, parseDefineArgument(source));
+    if (cpIsIdentifierLike(kind)) return cpAdoptChild(node, cpParseMacroCall(source, depth, formals));
+    if (cpIsBuiltinKind(kind)) return cpAdoptChild(node, cpParseBuiltin(source));
     return cpTakeToken(source, node);
 }
 
@@ -110,12 +101,12 @@ int readArgumentPart(CPTokenSource& source, CPPreprocessorMacroArgument* arg, in
     int kind = source.currentType();
     if (concatMayFollow(source))
         if (CPPreprocessorDefineConcat* concat = parseDefineConcat(source, depth, formals))
-            return adopt(arg, concat);
+            return cpAdoptChild(arg, concat);
     Token* token = source.currentToken();
     if (cpIsIdentifierLike(kind) && isFormal(formals, token) && source.peekType(1) != CPT_LEFT_PAREN)
-        return adopt(arg, parseDefineArgument(source));
-    if (cpIsIdentifierLike(kind)) return adopt(arg, cpParseMacroCall(source, depth, formals));
-    if (cpIsBuiltinKind(kind)) return adopt(arg, cpParseBuiltin(source));
+        return cpAdoptChild(arg, parseDefineArgument(source));
+    if (cpIsIdentifierLike(kind)) return cpAdoptChild(arg, cpParseMacroCall(source, depth, formals));
+    if (cpIsBuiltinKind(kind)) return cpAdoptChild(arg, cpParseBuiltin(source));
     return cpTakeToken(source, arg);
 }
 
@@ -126,7 +117,7 @@ int readArgumentPound(CPTokenSource& source, CPPreprocessorMacroArgument* arg,
         source.nextToken();
         bool parameter = isFormal(formals, source.currentToken());
         source.rollback();
-        if (parameter) return adopt(arg, parseDefineString(source, formals));
+        if (parameter) return cpAdoptChild(arg, parseDefineString(source, formals));
     }
     arg->logErrorAtSource(source, CPPP_ERR_NAME_REQUIRED);
     stop = true;
@@ -180,7 +171,7 @@ bool readArguments(CPTokenSource& source, CPPreprocessorMacro* call, int depth,
         int kind = source.currentType();
         if (kind == CPT_RIGHT_PAREN || cpAtEnd(kind) || (formals && kind == CPT_NEWLINE)) break;
         CPPreprocessorMacroArgument* arg = parseMacroArgument(source, depth, formals);
-        rc = adopt(call, arg);
+        rc = cpAdoptChild(call, arg);
         if (rc != 0 || arg->hasError() || source.currentType() != CPT_COMMA) break;
         rc = cpTakeToken(source, call);
     }
@@ -199,7 +190,7 @@ CPPreprocessorMacro* cpParseMacroCall(CPTokenSource& source, int depth,
     if (!name || !cpIsIdentifierLike(name->getType())) return nullptr;
     CPPreprocessorMacro* call = new (std::nothrow) CPPreprocessorMacro;
     if (!call) return nullptr;
-    int rc = isFormal(formals, name) ? adopt(call, parseDefineArgument(source))
+    int rc = isFormal(formals, name) ? cpAdoptChild(call, parseDefineArgument(source))
                                      : cpTakeToken(source, call);
     if (rc == 0 && swallowsLine(name)) rc = swallowLine(source, call, name->getLine());
     else if (rc == 0 && source.currentType() == CPT_LEFT_PAREN && source.mark() == 0) {
@@ -240,20 +231,20 @@ CPPreprocessorDefineBody* parseDefineBody(CPTokenSource& source, int depth,
             continue;
         }
         if (kind == CPT_POUND) {
-            rc = adopt(body, parseDefineString(source, formals));
+            rc = cpAdoptChild(body, parseDefineString(source, formals));
             continue;
         }
         if (concatMayFollow(source))
             if (CPPreprocessorDefineConcat* concat = parseDefineConcat(source, depth, formals)) {
-                rc = adopt(body, concat);
+                rc = cpAdoptChild(body, concat);
                 continue;
             }
         if (kind == CPT_POUND_POUND) rc = cpTakeToken(source, body);
         else if (cpIsIdentifierLike(kind) && isFormal(formals, token) &&
                  source.peekType(1) != CPT_LEFT_PAREN)
-            rc = adopt(body, parseDefineArgument(source));
-        else if (cpIsIdentifierLike(kind)) rc = adopt(body, cpParseMacroCall(source, depth, formals));
-        else if (cpIsBuiltinKind(kind)) rc = adopt(body, cpParseBuiltin(source));
+            rc = cpAdoptChild(body, parseDefineArgument(source));
+        else if (cpIsIdentifierLike(kind)) rc = cpAdoptChild(body, cpParseMacroCall(source, depth, formals));
+        else if (cpIsBuiltinKind(kind)) rc = cpAdoptChild(body, cpParseBuiltin(source));
         else rc = cpTakeToken(source, body);
     }
     if (rc != 0) {

@@ -27,6 +27,15 @@ int cpSkipTo(CPTokenSource& source, CPPreprocessorFilter* node, int kind, bool c
     return consume ? cpTakeToken(source, node) : 0;
 }
 
+int cpAdoptChild(CPPreprocessorFilter* node, CPPreprocessorFilter* child) {
+    if (!child) return CPPP_ERR_NOMEM;
+    if (node->addChild(child) != 0) {
+        delete child;
+        return CPPP_ERR_NOMEM;
+    }
+    return 0;
+}
+
 CPPreprocessorBuiltin* cpParseBuiltin(CPTokenSource& source) {
     CPPreprocessorBuiltin* node = new (std::nothrow) CPPreprocessorBuiltin;
     if (node && cpTakeToken(source, node) != 0) {
@@ -46,23 +55,13 @@ const char* branchText(int kind) {
     return kind == CPT_kw_elif ? "#elif" : kind == CPT_kw_else ? "#else" : "#endif";
 }
 
-// Adds child to node; frees child and gives -8 if that fails.
-int adopt(CPPreprocessorFilter* node, CPPreprocessorFilter* child) {
-    if (!child) return CPPP_ERR_NOMEM;
-    if (node->addChild(child) != 0) {
-        delete child;
-        return CPPP_ERR_NOMEM;
-    }
-    return 0;
-}
-
 // One line of a unit: a directive or a text run.
 int readItem(CPTokenSource& source, CPPreprocessorFilter* node, int depth) {
-    if (source.currentType() != CPT_POUND) return adopt(node, cpParseText(source, depth));
+    if (source.currentType() != CPT_POUND) return cpAdoptChild(node, cpParseText(source, depth));
     int word = source.peekType(1);
     if (isBranchWord(word) && node->getType() == CPN_PreprocessorUnit)
         node->logErrorAtSource(source, CPPP_ERR_NO_IF, "#if", branchText(word));
-    return adopt(node, cpParseDirective(source, depth));
+    return cpAdoptChild(node, cpParseDirective(source, depth));
 }
 
 // A line that doesn't end where it should: keep the rest of it and go on.
@@ -106,9 +105,9 @@ CPPreprocessorPPTokens* cpParseText(CPTokenSource& source, int depth) {
         TBPToken<CPParseNodeType>* token = source.currentToken();
         if (kind >= CPT_kw_define && kind <= CPT_kw_undef && kind != CPT_kw_defined)
             token->setType(CPT_IDENTIFIER);
-        if (cpIsBuiltinKind(kind)) rc = adopt(run, cpParseBuiltin(source));
+        if (cpIsBuiltinKind(kind)) rc = cpAdoptChild(run, cpParseBuiltin(source));
         else if (cpIsIdentifierLike(token->getType()))
-            rc = adopt(run, cpParseMacroCall(source, depth, nullptr));
+            rc = cpAdoptChild(run, cpParseMacroCall(source, depth, nullptr));
         else rc = cpTakeToken(source, run);
     }
     if (rc != 0) {
@@ -179,7 +178,7 @@ CPPreprocessorFilter* readIncludeLike(CPTokenSource& source, int depth, bool tai
     if (rc == 0 && !arg) {
         node->logErrorAtSource(source, CPPP_ERR_NAME_REQUIRED);
     } else if (rc == 0) {
-        rc = adopt(node, arg);
+        rc = cpAdoptChild(node, arg);
     }
     if (rc == 0 && !tailAllowed && !cpAtLineEnd(source.currentType())) {
         TBPToken<CPParseNodeType>* extra = source.currentToken();
@@ -251,7 +250,7 @@ CPPreprocessorIncludeArg* cpParseIncludeArg(CPTokenSource& source, int depth) {
             if (k >= CPT_kw_define && k <= CPT_kw_undef && k != CPT_kw_defined)
                 token->setType(CPT_IDENTIFIER);
             if (cpIsIdentifierLike(token->getType()))
-                rc = adopt(arg, cpParseMacroCall(source, depth, nullptr));
+                rc = cpAdoptChild(arg, cpParseMacroCall(source, depth, nullptr));
             else rc = cpTakeToken(source, arg);
         }
     }

@@ -43,5 +43,7 @@ int cpTakeToken(CPTokenSource& source, CPPreprocessorFilter* node);
 int cpTakeRestOfLine(CPTokenSource& source, CPPreprocessorFilter* node);
 // Adds tokens up to kind, and with consume that token too. -1 (and -8003 logged) at EOF first.
 int cpSkipTo(CPTokenSource& source, CPPreprocessorFilter* node, int kind, bool consume);
+// Adds child to node; frees child and gives -8 if that fails (or if child is null).
+int cpAdoptChild(CPPreprocessorFilter* node, CPPreprocessorFilter* child);
 // A builtin node holding the current token, which it consumes.
 CPPreprocessorBuiltin* cpParseBuiltin(CPTokenSource& source);
