@@ -155,7 +155,6 @@ bool cpIsNameKeyword(CPParseNodeType t, unsigned flags);
 // The same lists as unqualified ids take them.
 bool cpIsIdNameKeyword(CPParseNodeType t, unsigned flags);
 bool cpIsBuiltinTypeKeyword(CPParseNodeType t);
-bool cpIsSyncToken(CPParseNodeType t);
 
 // A shape: the children a node kind may have, written as a pattern of node, token and keyword
 // names with ( | ) groups and the suffixes ? * +. Each family file has a table of them.

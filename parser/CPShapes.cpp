@@ -151,6 +151,8 @@ const CPShapeRule* cpShapeOf(int nodeType) {
     return registry().rules[nodeType];
 }
 
+int CPParseTree::validate() { return TBPParseTree<CPParseNodeType>::validate(this, cpShapeOf(getType())); }
+
 int cpShapeProblems() {
     registry();
     return problems;

@@ -44,8 +44,7 @@ int CPPreprocessorFilter::replaceChild(unsigned index, Node* node) {
     return 0;
 }
 
-int CPPreprocessorFilter::removeChildren(unsigned start, unsigned count) {
-    if (start >= getChildCount()) return ERR_BADINDEX;
+void CPPreprocessorFilter::unhookChildren(unsigned start, unsigned count) {
     unsigned end = count > getChildCount() - start ? getChildCount() : start + count;
     for (unsigned i = start; i < end; ++i) {
         Node* child = children[i];
@@ -53,7 +52,20 @@ int CPPreprocessorFilter::removeChildren(unsigned start, unsigned count) {
         if (child->isToken()) disownLeaf(child);
         else if (child->getParent() == this) child->setParent(nullptr);
     }
+}
+
+int CPPreprocessorFilter::removeChildren(unsigned start, unsigned count) {
+    if (start >= getChildCount()) return ERR_BADINDEX;
+    unhookChildren(start, count);
     return TBPParseTree<CPParseNodeType>::removeChildren(start, count);
+}
+
+int CPPreprocessorFilter::replaceChildren(unsigned index, unsigned count, Node* node) {
+    if (index > getChildCount()) return ERR_BADINDEX;
+    if (count) unhookChildren(index, count);
+    int rc = CPParseTree::replaceChildren(index, count, node);
+    if (rc == 0) ownLeaf(node);
+    return rc;
 }
 
 TBPParseNode<CPParseNodeType>* CPPreprocessorFilter::clone() const {

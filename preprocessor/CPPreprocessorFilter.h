@@ -6,15 +6,15 @@
 // tree and of macro bodies, so one token may stand in many places. Each token therefore keeps a
 // list of the filter nodes that hold it (its owners, not counted), and every filter node keeps
 // that list right in addChild, insertChild, replaceChild, removeChildren and its destructor.
-// These hide the tree's plain versions: always change a filter node's children through a
-// CPPreprocessorFilter pointer.
+// They override the node's virtual child operations; the framework's plain TBPParseTree
+// versions know nothing of owners, so never change a filter node's children through those.
 //
 // An output node points at the source node that produced it through `origin` (not counted);
 // getWrittenToken follows that link back to the token the user wrote.
 #pragma once
 
 #include "CPPreprocessorToken.h"
-#include "CPPreprocessorTreeBase.h"
+#include "CPParseTree.h"
 
 class CPPreprocessor;
 class CPPreprocessorMacro;
@@ -48,12 +48,12 @@ bool cpIsIdentifierLike(int kind);
 // __cplusplus to __TIMESTAMP__.
 bool cpIsBuiltinKind(int kind);
 
-class CPPreprocessorFilter : public CPPreprocessorTreeBase {
+class CPPreprocessorFilter : public CPParseTree {
 public:
     typedef TBPParseNode<CPParseNodeType> Node;
     typedef TBPToken<CPParseNodeType> Token;
 
-    CPPreprocessorFilter() : CPPreprocessorTreeBase(CPN_PreprocessorFilter) {}
+    CPPreprocessorFilter() : CPParseTree(CPN_PreprocessorFilter) {}
     ~CPPreprocessorFilter() override;
 
     // The node interface.
@@ -77,11 +77,15 @@ public:
     // Children, keeping each leaf's owners.
     int addChild(Node* node) { return insertChild(getChildCount(), node); }
     int insertChild(unsigned index, Node* node);
-    int replaceChild(unsigned index, Node* node);
+    int insertChild(unsigned index, Node* node, bool after) override {
+        return insertChild(after ? index + 1 : index, node);
+    }
+    int replaceChild(unsigned index, Node* node) override;
+    int replaceChildren(unsigned index, unsigned count, Node* node) override;
     int removeChildren(unsigned start, unsigned count);
     int reserveChildren(unsigned n) { return children.setCapacity(n); }
     // Empties leaf slots from start on (into subtrees), then prunes. Nothing inside a define.
-    int removeTokens(unsigned start, unsigned count);
+    int removeTokens(unsigned start, unsigned count) override;
     bool isInDefine() const;
 
     CPPreprocessorFilter* getOrigin() const { return origin; }
@@ -96,7 +100,7 @@ public:
 protected:
     CPPreprocessorFilter* origin = nullptr;
 
-    explicit CPPreprocessorFilter(CPParseNodeType kind) : CPPreprocessorTreeBase(kind) {}
+    explicit CPPreprocessorFilter(CPParseNodeType kind) : CPParseTree(kind) {}
     // A new empty node of this object's class, for clone.
     virtual CPPreprocessorFilter* makeEmptyCopy() const;
     // The children's output in order: leaves copied, nodes run with childDepth.
@@ -112,6 +116,8 @@ protected:
 private:
     void ownLeaf(Node* node);
     void disownLeaf(Node* node);
+    // Drops this node from the owners of leaves in the range and frees subtrees of it.
+    void unhookChildren(unsigned start, unsigned count);
     Token* findWrittenIndex(Node* child, unsigned index, int& found);
 };
 

@@ -93,8 +93,11 @@ protected:
     CPTypeInfo typeInfo;
 };
 
-// The node types a shape names, for a node kind; null for a kind without a shape.
+// The node types a shape names, for a node kind; null for a kind without a shape. The table
+// belongs to the grammar, which defines it with CPParseTree::validate.
 const CPShapeRule* cpShapeOf(int nodeType);
+// Where recovery stops: tokens that begin or end a declaration or a statement.
+bool cpIsSyncToken(CPParseNodeType t);
 
 // Frees a node that nothing holds (count 0); null is fine.
 inline void cpFree(CPParseNode* node) {
