@@ -18,11 +18,11 @@ int queryMacro(void* context, const CPToken* name, bool anyEntry) {
     if (!entries) return 0;
     if (anyEntry) return entries->count() > 0;
     int found = 0;
-    for (CPMacroEntry* entry : *entries) {
-        CPPreprocessorDefine* define = entry->getDefinition();
+    for (CPMacroTable::Symbol* entry : *entries) {
+        CPPreprocessorDefine* define = CPMacroTable::definitionOf(entry);
         if (!define || define->undefined) continue;
         found = 1;
-        entry->addReference(const_cast<CPToken*>(name));
+        CPMacroTable::addReference(entry, const_cast<CPToken*>(name));
     }
     return found;
 }

@@ -4,6 +4,8 @@
 // body later is already the rescan.
 #include "CPPreprocessorReader.h"
 
+#include "CPSymbolInfo.h"
+
 using quernbase::QBString;
 
 namespace {
@@ -254,13 +256,43 @@ CPPreprocessorDefineBody* parseDefineBody(CPTokenSource& source, int depth,
     return body;
 }
 
+// A parameter is a symbol of the define's own scope, so that renaming it finds its uses.
+int addParameterSymbol(CPPreprocessorDefine* define, Token* token) {
+    CPSymbolInfo* symbol = new (std::nothrow) CPSymbolInfo(token->getSpellingConst(), nullptr, define);
+    if (!symbol) return CPPP_ERR_NOMEM;
+    symbol->addRef();
+    int rc = symbol->addReference(token);
+    if (rc == 0) rc = define->addSymbol(symbol);
+    symbol->release();
+    return rc < 0 ? CPPP_ERR_NOMEM : 0;
+}
+
 int addFormal(CPTokenSource& source, CPPreprocessorDefine* define, CPFormalSet& formals) {
     Token* token = source.currentToken();
     token->setType(CPT_IDENTIFIER);
     QBString name = token->getSpellingConst();
     if (formals.contains(name)) define->logErrorAtSource(source, CPPP_ERR_DUPLICATE_PARAMETER, name);
     if (int rc = formals.set(name, 1)) return rc;
+    if (int rc = addParameterSymbol(define, token)) return rc;
     return cpTakeToken(source, define);
+}
+
+// Each use of a parameter in the body (x and #x) becomes a reference of its symbol.
+int noteParameterUses(CPPreprocessorDefine* define, TBPParseNode<CPParseNodeType>* node) {
+    if (!node || !node->isTree()) return 0;
+    int kind = node->getType();
+    unsigned at = kind == CPN_PreprocessorDefineArg ? 0 : kind == CPN_PreprocessorDefineString ? 1 : 2;
+    Token* use = at < 2 && node->getChild(at) && node->getChild(at)->isToken()
+                     ? static_cast<Token*>(node->getChild(at))
+                     : nullptr;
+    if (use) {
+        auto* list = define->findSymbolList(use->getSpellingConst());
+        if (list && list->count() == 1) return (*list)[0]->addReference(use) < 0 ? CPPP_ERR_NOMEM : 0;
+        return 0;
+    }
+    for (unsigned i = 0; i < node->getChildCount(); ++i)
+        if (int rc = noteParameterUses(define, node->getChild(i))) return rc;
+    return 0;
 }
 
 // ( NAME ( , NAME )* ( , ... | ... )? ) with the `name...` form; false after a logged error.
@@ -325,6 +357,8 @@ CPPreprocessorDefine* cpParseDefine(CPTokenSource& source, int depth) {
         else if (define->addChild(body) != 0) {
             delete body;
             rc = CPPP_ERR_NOMEM;
+        } else if (body && formals.count() > 0) {
+            rc = noteParameterUses(define, body);
         }
     }
     if (rc != 0) {

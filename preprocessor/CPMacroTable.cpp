@@ -4,39 +4,48 @@
 
 using quernbase::QBString;
 
-CPMacroEntry::CPMacroEntry(CPPreprocessorDefine* define) : definition(define) {
-    if (definition) definition->addRef();
+namespace {
+const int MACRO_BUCKETS = 89;
 }
-
-CPMacroEntry::~CPMacroEntry() {
-    for (Token* token : references) token->release();
-    if (definition) definition->release();
-}
-
-int CPMacroEntry::addReference(Token* token) {
-    if (!token) return 0;
-    // A body's call names the macro at every expansion: one entry is enough.
-    if (references.count() && references[references.count() - 1] == token) return 0;
-    if (int rc = references.add(token)) return rc;
-    token->addRef();
-    return 0;
-}
-
-CPMacroTable::CPMacroTable() : table(QBString::hashString) {}
 
 CPMacroTable::~CPMacroTable() {
-    for (CPMacroEntry* entry : owned) delete entry;
+    delete table;
+    for (CPPreprocessorDefine* define : defines) define->release();
 }
 
-int CPMacroTable::add(const QBString& name, CPMacroEntry* entry) {
-    if (owned.add(entry) != 0) {
-        delete entry;
-        return -8;
-    }
-    if (EntryList* list = table.find(name)) return list->add(entry);
-    EntryList list;
-    if (int rc = list.add(entry)) return rc;
-    return table.set(name, list);
+int CPMacroTable::add(CPPreprocessorDefine* define) {
+    Token* name = define ? define->getNameToken() : nullptr;
+    if (!name) return 0;
+    if (!table && !(table = Table::create(nullptr, MACRO_BUCKETS))) return CPPP_ERR_NOMEM;
+    if (defines.add(define) != 0) return CPPP_ERR_NOMEM;
+    define->addRef();
+    CPSymbolInfo* symbol = new (std::nothrow) CPSymbolInfo(name->getSpellingConst(), define, nullptr);
+    if (!symbol) return CPPP_ERR_NOMEM;
+    symbol->addRef();
+    int rc = addReference(symbol, name);
+    if (rc == 0) rc = table->add(symbol);
+    symbol->release();
+    return rc < 0 ? CPPP_ERR_NOMEM : 0;
 }
 
-void CPMacroTable::removeName(const QBString& name) { table.remove(name); }
+void CPMacroTable::removeName(const QBString& name) {
+    const EntryList* entries = find(name);
+    if (!entries) return;
+    EntryList doomed;
+    for (Symbol* symbol : *entries)
+        if (doomed.add(symbol) != 0) return;
+    for (Symbol* symbol : doomed) table->remove(symbol);
+}
+
+CPPreprocessorDefine* CPMacroTable::definitionOf(const Symbol* symbol) {
+    Symbol::Tree* node = symbol ? symbol->getDefinition() : nullptr;
+    return node && node->getType() == CPN_PreprocessorDefine ? static_cast<CPPreprocessorDefine*>(node)
+                                                             : nullptr;
+}
+
+int CPMacroTable::addReference(Symbol* symbol, Token* token) {
+    if (!symbol || !token) return 0;
+    unsigned n = symbol->getReferenceCount();
+    if (n && symbol->getReference(n - 1) == token) return 0;
+    return symbol->addReference(token);
+}

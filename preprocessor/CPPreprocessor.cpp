@@ -303,10 +303,7 @@ int CPPreprocessor::addOneDefine(const QBString& piece) {
     if (!define) return -1;
     define->addRef();
     int rc = -1;
-    if (!define->hasError() && define->getNameToken()) {
-        CPMacroEntry* entry = new (std::nothrow) CPMacroEntry(define);
-        rc = entry ? macroTable.add(define->getName(), entry) : CPPP_ERR_NOMEM;
-    }
+    if (!define->hasError() && define->getNameToken()) rc = macroTable.add(define);
     define->release();
     return rc;
 }

@@ -19,11 +19,11 @@ bool isDefinedName(CPPreprocessor* pp, Token* name) {
     const CPMacroTable::EntryList* entries = pp->getMacroTable().find(name->getSpellingConst());
     bool found = false;
     for (unsigned i = 0; entries && i < entries->count(); ++i) {
-        CPMacroEntry* entry = (*entries)[i];
-        CPPreprocessorDefine* define = entry->getDefinition();
+        CPMacroTable::Symbol* entry = (*entries)[i];
+        CPPreprocessorDefine* define = CPMacroTable::definitionOf(entry);
         if (!define || define->undefined) continue;
         found = true;
-        entry->addReference(name);
+        CPMacroTable::addReference(entry, name);
     }
     return found;
 }

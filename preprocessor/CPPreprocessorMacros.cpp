@@ -162,8 +162,8 @@ int CPPreprocessorDefine::preprocess(CPPreprocessor* pp, CPPreprocessorFilter* t
     if (!pp || !nameToken || nameToken->getType() != CPT_IDENTIFIER || hasError()) return 0;
     QBString name = nameToken->getSpellingConst();
     if (const CPMacroTable::EntryList* entries = pp->getMacroTable().find(name)) {
-        for (CPMacroEntry* entry : *entries) {
-            CPPreprocessorDefine* other = entry->getDefinition();
+        for (CPMacroTable::Symbol* entry : *entries) {
+            CPPreprocessorDefine* other = CPMacroTable::definitionOf(entry);
             if (other == this) {
                 // Run again, in a file included once more.
                 undefined = false;
@@ -177,12 +177,7 @@ int CPPreprocessorDefine::preprocess(CPPreprocessor* pp, CPPreprocessorFilter* t
             break;
         }
     }
-    CPMacroEntry* entry = new (std::nothrow) CPMacroEntry(this);
-    if (!entry || entry->addReference(nameToken) != 0) {
-        delete entry;
-        return CPPP_ERR_NOMEM;
-    }
-    return pp->getMacroTable().add(name, entry);
+    return pp->getMacroTable().add(this);
 }
 
 int CPPreprocessorUndef::preprocess(CPPreprocessor* pp, CPPreprocessorFilter*, bool,
@@ -192,11 +187,11 @@ int CPPreprocessorUndef::preprocess(CPPreprocessor* pp, CPPreprocessorFilter*, b
     if (!pp || !name || name->getType() != CPT_IDENTIFIER) return 0;
     const CPMacroTable::EntryList* entries = pp->getMacroTable().find(name->getSpellingConst());
     for (unsigned i = entries ? entries->count() : 0; i-- > 0;) {
-        CPMacroEntry* entry = (*entries)[i];
-        CPPreprocessorDefine* define = entry->getDefinition();
+        CPMacroTable::Symbol* entry = (*entries)[i];
+        CPPreprocessorDefine* define = CPMacroTable::definitionOf(entry);
         if (!define || define->undefined) continue;
         define->undefined = true;
-        if (int rc = entry->addReference(name)) return rc;
+        if (int rc = CPMacroTable::addReference(entry, name)) return rc;
     }
     return 0;
 }
@@ -210,8 +205,8 @@ CPPreprocessorDefine* cpFindDefine(CPPreprocessorMacro* call, const QBString& na
     if (!entries) return nullptr;
     bool parens = call->hasParentheses();
     unsigned actuals = call->actualCount();
-    for (CPMacroEntry* entry : *entries) {
-        CPPreprocessorDefine* define = entry->getDefinition();
+    for (CPMacroTable::Symbol* entry : *entries) {
+        CPPreprocessorDefine* define = CPMacroTable::definitionOf(entry);
         if (!define || define->undefined) continue;
         bool functionLike = define->isFunctionLike();
         unsigned formals = define->formalCount();
@@ -289,9 +284,9 @@ int CPPreprocessorMacro::preprocess(CPPreprocessor* pp, CPPreprocessorFilter* ta
     if (hasParentheses()) define = chaseAlias(pp, define, enclosingCall);
     if (!define || define->expanding) return emitCall(pp, target, flat, enclosingCall, 0);
     if (const CPMacroTable::EntryList* entries = pp->getMacroTable().find(name))
-        for (CPMacroEntry* entry : *entries)
-            if (entry->getDefinition() == define)
-                if (int rc = entry->addReference(nameToken)) return rc;
+        for (CPMacroTable::Symbol* entry : *entries)
+            if (CPMacroTable::definitionOf(entry) == define)
+                if (int rc = CPMacroTable::addReference(entry, nameToken)) return rc;
     CPPreprocessorDefineBody* body = define->getBody();
     if (body && body->getChildCount() > 0) {
         int rc = expand(pp, define, target, flat, enclosingCall, depth);
@@ -616,7 +611,7 @@ Token* overridingValue(CPPreprocessor* pp, Token* token) {
     const CPMacroTable::EntryList* entries =
         pp ? pp->getMacroTable().find(token->getSpellingConst()) : nullptr;
     if (!entries || entries->count() == 0) return nullptr;
-    CPPreprocessorDefine* define = (*entries)[0]->getDefinition();
+    CPPreprocessorDefine* define = CPMacroTable::definitionOf((*entries)[0]);
     if (!define || define->undefined) return nullptr;
     CPPreprocessorDefineBody* body = define->getBody();
     return body && body->getChildCount() == 1 ? body->getTokenChild(0) : nullptr;

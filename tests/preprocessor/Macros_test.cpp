@@ -3,6 +3,7 @@
 #include <string>
 #include <vector>
 
+#include "CPPreprocessorIfAdapter.h"
 #include "CPPreprocessorNodes.h"
 #include "support/PreprocessorTestKit.h"
 
@@ -138,4 +139,78 @@ TEST(MacroDefinitions, ShapeOfAFunctionLikeDefine) {
     EXPECT_TRUE(h->isLastFormal("args"));
     EXPECT_EQ(f->validate(), 0);
     EXPECT_EQ(h->validate(), 0);
+}
+
+namespace {
+
+// The parser's #if evaluator for one test; the preprocessor alone has none.
+struct RealEvaluator {
+    RealEvaluator() { cpInstallIfEvaluator(); }
+    ~RealEvaluator() { CPPreprocessor::setIfEvaluator(nullptr); }
+};
+
+// Renames every reference of a symbol, as a rename of the macro would.
+void renameReferences(TBPSymbolInfo<CPParseNodeType>* symbol, const char* to) {
+    for (unsigned i = 0; i < symbol->getReferenceCount(); ++i) {
+        TBPParseNode<CPParseNodeType>* node = symbol->getReference(i);
+        ASSERT_TRUE(node && node->isToken());
+        static_cast<TBPToken<CPParseNodeType>*>(node)->setSpelling(to);
+    }
+}
+
+}  // namespace
+
+TEST(MacroSymbols, EveryNameOfAMacroIsAReferenceAndARenameFollowsThem) {
+    const std::string text =
+        "#define LIMIT 8\n#ifdef LIMIT\nint a[LIMIT];\n#endif\n#if defined(LIMIT) && LIMIT > 2\n"
+        "#define TWICE (LIMIT * 2)\nint b = TWICE + TWICE;\n#endif\n#undef LIMIT\nint LIMIT_X;\n";
+    RealEvaluator evaluator;
+    PreprocessorRun run(text);
+    run.spellings();
+    const CPMacroTable::EntryList* entries = run.pp().getMacroTable().find(quernbase::QBString("LIMIT"));
+    ASSERT_TRUE(entries);
+    ASSERT_EQ(entries->count(), 1u);
+    CPMacroTable::Symbol* limit = (*entries)[0];
+    EXPECT_EQ(CPMacroTable::definitionOf(limit), limit->getDefinition());
+    // The define, #ifdef, the call in the text, defined, the #if's call, the call in TWICE's
+    // body (once, though it ran twice) and #undef.
+    std::vector<unsigned> lines;
+    for (unsigned i = 0; i < limit->getReferenceCount(); ++i)
+        lines.push_back(static_cast<TBPToken<CPParseNodeType>*>(limit->getReference(i))->getLine());
+    EXPECT_EQ(lines, (std::vector<unsigned>{1, 2, 3, 5, 5, 6, 9}));
+    renameReferences(limit, "MAX_ITEMS");
+    std::string renamed = text;
+    for (size_t at; (at = renamed.find("LIMIT ")) != std::string::npos ||
+                    (at = renamed.find("LIMIT]")) != std::string::npos ||
+                    (at = renamed.find("LIMIT)")) != std::string::npos ||
+                    (at = renamed.find("LIMIT\n")) != std::string::npos;)
+        renamed.replace(at, 5, "MAX_ITEMS");
+    EXPECT_EQ(run.sourceText(), renamed);
+    EXPECT_NE(renamed.find("int LIMIT_X;"), std::string::npos);
+}
+
+TEST(MacroSymbols, ParametersAreSymbolsOfTheirDefine) {
+    PreprocessorRun run("#define SHOW(val, label) print(#label, val, val)\nSHOW(x, y);\n");
+    ASSERT_EQ(run.pp().readSourceTree(), 0);
+    CPPreprocessorFilter* define = run.pp().getSourceTree()->getFilterChild(0);
+    ASSERT_TRUE(define && define->getType() == CPN_PreprocessorDefine);
+    auto* val = define->findSymbolList(quernbase::QBString("val"));
+    auto* label = define->findSymbolList(quernbase::QBString("label"));
+    ASSERT_TRUE(val && label);
+    ASSERT_EQ(val->count(), 1u);
+    EXPECT_EQ((*val)[0]->getReferenceCount(), 3u);
+    EXPECT_EQ((*label)[0]->getReferenceCount(), 2u);
+    EXPECT_EQ((*val)[0]->getScope(), define);
+    renameReferences((*val)[0], "v");
+    EXPECT_EQ(run.sourceText(), "#define SHOW(v, label) print(#label, v, v)\nSHOW(x, y);\n");
+    EXPECT_EQ(joinSpellings(run.spellings()), "print ( \"y\" , x , x ) ;");
+}
+
+TEST(MacroSymbols, UndefineOptionForgetsEveryEntry) {
+    PreprocessorRun run("#ifdef A\nyes\n#else\nno\n#endif\n");
+    EXPECT_EQ(run.pp().addDefineOption("-DA=1,B"), 0);
+    EXPECT_TRUE(run.pp().getMacroTable().find(quernbase::QBString("B")));
+    EXPECT_EQ(run.pp().addDefineOption("-UA"), 0);
+    EXPECT_FALSE(run.pp().getMacroTable().find(quernbase::QBString("A")));
+    EXPECT_EQ(joinSpellings(run.spellings()), "no");
 }
