@@ -22,7 +22,7 @@ const Rule ifBodyRules[] = {GROUP('*', unitLine), END};
 
 // #define NAME [ ( (NAME ,)* (NAME | ...) ...? ) ] body?
 const Rule paramComma[] = {ONE(CPT_IDENTIFIER), ONE(CPT_COMMA), END};
-const Rule lastParam[] = {ONE(CPT_IDENTIFIER), ONE(CPT_ELLIPSE), END};
+const Rule lastParam[] = {ONE(CPT_IDENTIFIER), OPT(CPT_ELLIPSE), END};
 const Rule paramList[] = {ONE(CPT_LEFT_PAREN), GROUP('*', paramComma), GROUP('?', lastParam),
                           OPT(CPT_ELLIPSE), ONE(CPT_RIGHT_PAREN), END};
 const Rule defineRules[] = {ONE(CPT_POUND), ONE(CPT_kw_define), ONE(CPT_IDENTIFIER),

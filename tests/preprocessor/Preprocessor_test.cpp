@@ -36,11 +36,27 @@ void listFiles(const std::string& dir, const std::vector<std::string>& suffixes,
     closedir(d);
 }
 
-// The source tree prints back as the file, and running it neither crashes nor leaks.
+// The first node below node (itself included) that doesn't fit its kind's shape, or null.
+const TBPParseNode<CPParseNodeType>* firstMisshapen(TBPParseNode<CPParseNodeType>* node) {
+    if (!node || !node->isTree()) return nullptr;
+    if (node->validate() != 0) return node;
+    for (unsigned i = 0; i < node->getChildCount(); ++i)
+        if (const TBPParseNode<CPParseNodeType>* bad = firstMisshapen(node->getChild(i))) return bad;
+    return nullptr;
+}
+
+// The source tree prints back as the file, every node of a clean tree has its shape, and
+// running it neither crashes nor leaks.
 void expectRoundTrip(const std::string& path) {
     std::string text = readFile(path);
     PreprocessorRun run(text, path.c_str());
     EXPECT_EQ(run.sourceText(), text) << path;
+    CPPreprocessorUnit* tree = run.pp().getSourceTree();
+    if (tree && !tree->hasError()) {
+        const TBPParseNode<CPParseNodeType>* bad = firstMisshapen(tree);
+        EXPECT_FALSE(bad) << path << ": " << (bad ? bad->getTypeName() : "") << " at line "
+                          << (bad && bad->getFirstToken() ? bad->getFirstToken()->getLine() : 0);
+    }
     EXPECT_GE(run.pp().run(), 0) << path;
 }
 
