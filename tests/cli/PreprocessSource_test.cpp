@@ -93,6 +93,7 @@ TEST(PreprocessSource, TreeShowsEveryDirectiveAndBranchWithoutOpeningIncludes) {
     EXPECT_TRUE(contains(o.output, "IDENTIFIER=3           TWICE\n")) << o.output;
     EXPECT_FALSE(contains(o.output, "Cannot find include file")) << o.output;
     EXPECT_FALSE(contains(o.output, "***ERRORS***")) << o.output;
+    EXPECT_FALSE(contains(o.output, "***INVALID***")) << o.output;
 }
 
 TEST(PreprocessSource, TreeMarksAReaderErrorAndFailsTheRun) {
