@@ -3,7 +3,21 @@
 using quernbase::QBArray;
 using quernbase::QBString;
 
+namespace {
+const int NOTE_WRITTEN_PLACE = -8079;
+}
+
 int CPParseTree::analyze(CPParseTree*, unsigned) { return 0; }
+
+int CPParseTree::noteWrittenPlace(CPToken* leaf) {
+    CPToken* written = leaf ? leaf->getWrittenToken() : nullptr;
+    if (!written || written == leaf) return 0;
+    const BPSourcePosition* here = leaf->getPosition();
+    const BPSourcePosition* there = written->getPosition();
+    if (!there || there->source.isNull()) return 0;
+    if (here && here->source.get() == there->source.get() && here->cursor == there->cursor) return 0;
+    return logWarning(there, NOTE_WRITTEN_PLACE);
+}
 
 CPSymbolInfo* CPParseTree::findSymbol(const QBString&, CPParseTree*, unsigned,
                                       QBArray<CPParseTree*>*, int, int*, CPParseTree**) {

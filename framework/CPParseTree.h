@@ -89,6 +89,10 @@ public:
     using TBPParseTree<CPParseNodeType>::getType;
 
 protected:
+    // A message at a token that came out of a macro also notes where the user wrote it (the
+    // call site, for the first token of an expansion).
+    int noteWrittenPlace(CPToken* leaf) override;
+
     // Not copied by clone: a cloned subtree is analysed anew.
     CPTypeInfo typeInfo;
 };

@@ -236,20 +236,22 @@ public:
     // At the source's current token; at the end of the input at this node's last leaf.
     template <class Source>
     int logWarningAtSource(Source& source, int code, BP_MESSAGE_ARGS) {
-        return logMessage(BPSEVERITY_WARNING, positionAtSource(source), code, a, b, c, d, e);
+        Token* leaf = leafAtSource(source);
+        return logAtLeaf(BPSEVERITY_WARNING, leaf ? leaf->getPosition() : nullptr, leaf, code, a, b, c, d, e);
     }
     template <class Source>
     int logErrorAtSource(Source& source, int code, BP_MESSAGE_ARGS) {
-        return logMessage(BPSEVERITY_ERROR, positionAtSource(source), code, a, b, c, d, e);
+        Token* leaf = leafAtSource(source);
+        return logAtLeaf(BPSEVERITY_ERROR, leaf ? leaf->getPosition() : nullptr, leaf, code, a, b, c, d, e);
     }
     // At node's first leaf.
     int logWarningAtNode(const TBPParseNode* node, int code, BP_MESSAGE_ARGS) {
-        return logMessage(BPSEVERITY_WARNING, node ? node->getPosition() : nullptr, code, a, b,
-                          c, d, e);
+        return logAtLeaf(BPSEVERITY_WARNING, node ? node->getPosition() : nullptr, firstLeafOf(node),
+                         code, a, b, c, d, e);
     }
     int logErrorAtNode(const TBPParseNode* node, int code, BP_MESSAGE_ARGS) {
-        return logMessage(BPSEVERITY_ERROR, node ? node->getPosition() : nullptr, code, a, b, c,
-                          d, e);
+        return logAtLeaf(BPSEVERITY_ERROR, node ? node->getPosition() : nullptr, firstLeafOf(node),
+                         code, a, b, c, d, e);
     }
 
     // The symbols that name this node (a node may name several: a constructor call names the
@@ -281,6 +283,9 @@ protected:
     ErrorLog* attributes = nullptr;
 
     const Tree* asTree() const { return static_cast<const Tree*>(this); }
+    // Called after a message was logged at leaf: a language whose tokens can come out of a
+    // macro adds where the user wrote it. Nothing here.
+    virtual int noteWrittenPlace(Token*) { return 0; }
 
     // Frees attributes after taking this node out of every symbol that still names it.
     void dropAttributes() {
@@ -334,10 +339,20 @@ private:
     }
 
     template <class Source>
-    const BPSourcePosition* positionAtSource(Source& source) const {
-        if (Token* token = source.currentToken()) return token->getPosition();
-        Token* last = getLastToken();
-        return last ? last->getPosition() : nullptr;
+    Token* leafAtSource(Source& source) const {
+        if (Token* token = source.currentToken()) return token;
+        return getLastToken();
+    }
+    static Token* firstLeafOf(const TBPParseNode* node) {
+        if (!node) return nullptr;
+        return node->isToken() ? const_cast<Token*>(static_cast<const Token*>(node)) : node->getFirstToken();
+    }
+    int logAtLeaf(int severity, const BPSourcePosition* position, Token* leaf, int code,
+                  const quernbase::QBString& a, const quernbase::QBString& b,
+                  const quernbase::QBString& c, const quernbase::QBString& d,
+                  const quernbase::QBString& e) {
+        int rc = logMessage(severity, position, code, a, b, c, d, e);
+        return rc == 0 && leaf ? noteWrittenPlace(leaf) : rc;
     }
 
     Token* neighbourToken(bool forward) const {

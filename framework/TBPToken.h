@@ -111,6 +111,9 @@ public:
         return first->position.isFirstOnLine();
     }
 
+    // The token as the user wrote it, where this one came out of a macro; itself otherwise.
+    virtual TBPToken* getWrittenToken() { return this; }
+
     // Whitespace: the blanks, line ends and comments in front of the token, each counted here.
     unsigned getWhitespaceCount() const { return whitespace ? whitespace->tokens.count() : 0; }
     TBPToken* getWhitespace(unsigned i) { return whitespace->tokens[i]; }

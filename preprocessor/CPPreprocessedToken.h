@@ -26,7 +26,7 @@ public:
     int setSpelling(const char* chars, unsigned count);
     int setSpelling(const char* chars);
     // The written token behind this one, or the wrapped leaf when there is no owner to ask.
-    Token* getWrittenToken();
+    Token* getWrittenToken() override;
 
     // Leading whitespace: the own list when it has any, else the written token's.
     unsigned getWhitespaceCount();

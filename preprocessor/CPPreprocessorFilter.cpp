@@ -206,6 +206,13 @@ int indexHolding(const TBPParseNode<CPParseNodeType>* root,
     return -1;
 }
 
+// A file or a branch holds lines: its first leaf is often a directive's `#`, which produces
+// nothing, so its first product stands for itself rather than for that leaf.
+bool holdsLines(const TBPParseNode<CPParseNodeType>* node) {
+    int t = node ? node->getType() : CPT_NULL;
+    return t == CPN_PreprocessorUnit || t == CPN_PreprocessorIfBody || t == CPN_PreprocessorIfGroup;
+}
+
 }  // namespace
 
 // The first token a node produces maps to the place of the node's own first product, so the
@@ -224,7 +231,7 @@ TBPToken<CPParseNodeType>* CPPreprocessorFilter::getWrittenToken(Node* child, un
     }
     if (i < 0) return nullptr;
     Token* firstOfChild = child->getFirstToken();
-    if (i > 0) return firstOfChild;
+    if (i > 0 || holdsLines(this) || holdsLines(origin)) return firstOfChild;
     if (origin && origin != this) {
         if (Token* first = origin->getFirstToken())
             if (Token* written = origin->getWrittenToken(first, 0)) return written;

@@ -57,8 +57,22 @@ TEST(WrittenTokens, FirstTokenOfAnExpansionLeadsToTheCallSite) {
     EXPECT_EQ(star->getWrittenToken()->getLine(), 2u);
     // Ordinary tokens are their own written tokens.
     EXPECT_EQ(tokens[1]->getWrittenToken(), tokens[1]->getSourceToken());
-    EXPECT_TRUE(tokens[0]->getWrittenToken());
+    EXPECT_EQ(tokens[0]->getWrittenToken(), tokens[0]->getSourceToken());
     EXPECT_TRUE(tokens[0]->getOwningUnit());
+    releaseTokens(tokens);
+}
+
+// Behind a directive that produces nothing, and at the head of a branch, a token that no macro
+// made is written where it stands: its file's or branch's first leaf is some `#`.
+TEST(WrittenTokens, PlainTokensAreTheirOwnWrittenTokensEverywhere) {
+    PreprocessorRun run("#define A 1\nint a;\n#ifndef B\nint b;\n#else\nx\n#endif\nA;\n");
+    std::vector<CPPreprocessedToken*> tokens = run.served();
+    ASSERT_EQ(tokens.size(), 8u);
+    for (unsigned i = 0; i < 6; ++i)
+        EXPECT_EQ(tokens[i]->getWrittenToken(), tokens[i]->getSourceToken()) << i;
+    ASSERT_TRUE(tokens[6]->getWrittenToken());
+    EXPECT_EQ(std::string(tokens[6]->getWrittenToken()->getSpellingConst().get()), "A");
+    EXPECT_EQ(tokens[6]->getWrittenToken()->getLine(), 8u);
     releaseTokens(tokens);
 }
 
@@ -124,4 +138,25 @@ TEST(Conditionals, AnInstalledEvaluatorDecidesAndSeesDefinedRaw) {
     std::string result = joinSpellings(run.spellings());
     CPPreprocessor::setIfEvaluator(nullptr);
     EXPECT_EQ(result, "one");
+}
+
+// A message at a token out of a macro also says where the user wrote it.
+TEST(WrittenTokens, AMessageAtAnExpansionNotesTheCallSite) {
+    PreprocessorRun run("#define SQ(x) ((x)*(x))\nint a;\nint v =\n  SQ(n);\n");
+    std::vector<CPPreprocessedToken*> tokens = run.served();
+    ASSERT_GE(tokens.size(), 8u);
+    CPParseTree* node = new CPParseTree(CPN_ExpressionList);
+    node->addRef();
+    node->logErrorAtNode(tokens[6], -8001);     // the expansion's first `(`: from line 4
+    node->logWarningAtNode(findServed(tokens, "*"), -8017);  // a body token: its place is its own
+    node->logErrorAtNode(tokens[0], -8001);     // plain text
+    TBPErrorLog<CPParseNodeType> log;
+    node->collectErrors(log);
+    std::vector<std::pair<int, std::string>> records;
+    for (int i = 0; i < log.getCount(); ++i)
+        records.emplace_back(log.getRecord(i)->code, log.getRecord(i)->arguments[1].get());
+    EXPECT_EQ(records, (std::vector<std::pair<int, std::string>>{
+                           {-8001, "1"}, {-8079, "4"}, {-8017, "1"}, {-8001, "2"}}));
+    node->release();
+    releaseTokens(tokens);
 }
