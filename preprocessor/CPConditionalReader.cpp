@@ -176,7 +176,7 @@ int readBranch(CPTokenSource& source, CPPreprocessorIfGroup* group, CPPreprocess
                int depth) {
     int rc = cpAdoptChild(group, opener);
     if (rc == 0) rc = takeNewline(source, group);
-    if (rc == 0) rc = cpAdoptChild(group, parseIfBody(source, depth));
+    if (rc == 0) rc = cpAdoptChild(group, parseIfBody(source, depth + 1));
     return rc;
 }
 

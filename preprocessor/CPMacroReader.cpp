@@ -61,16 +61,19 @@ int readConcatOperand(CPTokenSource& source, CPPreprocessorFilter* node, int dep
 
 // concatenation:
 //     operand ## operand ( ## operand )*
-CPPreprocessorDefineConcat* parseDefineConcat(CPTokenSource& source, int depth,
-                                              const CPFormalSet* formals) {
-    if (cpAtLineEnd(source.currentType())) return nullptr;
-    if (source.mark() != 0) return nullptr;
+// An operand, or the concatenation it starts when ## follows it. The operand is read once and
+// kept either way: reading a nested call, then dropping it to read it again, doubles the work
+// at every level of nesting.
+int readOperandOrConcat(CPTokenSource& source, CPPreprocessorFilter* into, int depth,
+                        const CPFormalSet* formals) {
+    if (cpAtLineEnd(source.currentType())) return cpTakeToken(source, into);
     CPPreprocessorDefineConcat* node = new (std::nothrow) CPPreprocessorDefineConcat;
-    int rc = node ? readConcatOperand(source, node, depth, formals) : CPPP_ERR_NOMEM;
-    if (rc != 0 || source.currentType() != CPT_POUND_POUND) {
+    if (!node) return CPPP_ERR_NOMEM;
+    int rc = readConcatOperand(source, node, depth, formals);
+    if (rc == 0 && source.currentType() != CPT_POUND_POUND) {
+        rc = into->addChild(node->getChild(0));
         delete node;
-        source.rollback();
-        return nullptr;
+        return rc;
     }
     while (rc == 0 && source.currentType() == CPT_POUND_POUND) {
         rc = cpTakeToken(source, node);
@@ -78,38 +81,14 @@ CPPreprocessorDefineConcat* parseDefineConcat(CPTokenSource& source, int depth,
     }
     if (rc != 0) {
         delete node;
-        source.rollback();
-        return nullptr;
+        return rc;
     }
-    source.commit();
-    return node;
-}
-
-bool concatMayFollow(CPTokenSource& source) {
-    int kind = source.currentType();
-    int next = source.peekType(1);
-    return kind == CPT_POUND_POUND || next == CPT_POUND_POUND ||
-           (cpIsIdentifierLike(kind) && next == CPT_LEFT_PAREN);
+    return cpAdoptChild(into, node);
 }
 
 // The end of an argument: a body ends with its line, a text run only with the file.
 bool argumentEnds(int kind, const CPFormalSet* formals) {
     return cpAtEnd(kind) || (formals && kind == CPT_NEWLINE);
-}
-
-// One token or construct of an argument other than `#`.
-int readArgumentPart(CPTokenSource& source, CPPreprocessorMacroArgument* arg, int depth,
-                     const CPFormalSet* formals) {
-    int kind = source.currentType();
-    if (concatMayFollow(source))
-        if (CPPreprocessorDefineConcat* concat = parseDefineConcat(source, depth, formals))
-            return cpAdoptChild(arg, concat);
-    Token* token = source.currentToken();
-    if (cpIsIdentifierLike(kind) && isFormal(formals, token) && source.peekType(1) != CPT_LEFT_PAREN)
-        return cpAdoptChild(arg, parseDefineArgument(source));
-    if (cpIsIdentifierLike(kind)) return cpAdoptChild(arg, cpParseMacroCall(source, depth, formals));
-    if (cpIsBuiltinKind(kind)) return cpAdoptChild(arg, cpParseBuiltin(source));
-    return cpTakeToken(source, arg);
 }
 
 // A `#` inside an argument: a stringized parameter in a body, an error anywhere else.
@@ -134,6 +113,8 @@ CPPreprocessorMacroArgument* parseMacroArgument(CPTokenSource& source, int depth
     if (!arg) return nullptr;
     int open = 0, rc = 0;
     bool stop = false;
+    // Too deep for more nested calls: the argument is plain tokens (its call warns).
+    bool plain = depth > CPPP_MAX_NESTING;
     while (rc == 0 && !stop) {
         int kind = source.currentType();
         if (argumentEnds(kind, formals)) {
@@ -143,8 +124,9 @@ CPPreprocessorMacroArgument* parseMacroArgument(CPTokenSource& source, int depth
         if ((kind == CPT_RIGHT_PAREN || kind == CPT_COMMA) && open == 0) break;
         if (kind == CPT_LEFT_PAREN) ++open;
         if (kind == CPT_RIGHT_PAREN) --open;
-        if (kind == CPT_POUND) rc = readArgumentPound(source, arg, formals, stop);
-        else rc = readArgumentPart(source, arg, depth, formals);
+        if (plain) rc = cpTakeToken(source, arg);
+        else if (kind == CPT_POUND) rc = readArgumentPound(source, arg, formals, stop);
+        else rc = readOperandOrConcat(source, arg, depth, formals);
     }
     if (rc != 0) {
         delete arg;
@@ -172,7 +154,7 @@ bool readArguments(CPTokenSource& source, CPPreprocessorMacro* call, int depth,
     while (rc == 0) {
         int kind = source.currentType();
         if (kind == CPT_RIGHT_PAREN || cpAtEnd(kind) || (formals && kind == CPT_NEWLINE)) break;
-        CPPreprocessorMacroArgument* arg = parseMacroArgument(source, depth, formals);
+        CPPreprocessorMacroArgument* arg = parseMacroArgument(source, depth + 1, formals);
         rc = cpAdoptChild(call, arg);
         if (rc != 0 || arg->hasError() || source.currentType() != CPT_COMMA) break;
         rc = cpTakeToken(source, call);
@@ -198,6 +180,9 @@ CPPreprocessorMacro* cpParseMacroCall(CPTokenSource& source, int depth,
     else if (rc == 0 && source.currentType() == CPT_LEFT_PAREN && source.mark() == 0) {
         if (readArguments(source, call, depth, formals, rc)) {
             source.commit();
+            // A warning, not an error: an error would make every enclosing call let go of its
+            // arguments and read them again.
+            if (depth + 1 > CPPP_MAX_NESTING) call->logWarningAtNode(name, CPPP_ERR_TOO_DEEP);
         } else {
             // Not a call after all: the name stands alone and the rest is read again.
             if (call->getChildCount() > 1) call->removeChildren(1, call->getChildCount() - 1);
@@ -236,18 +221,7 @@ CPPreprocessorDefineBody* parseDefineBody(CPTokenSource& source, int depth,
             rc = cpAdoptChild(body, parseDefineString(source, formals));
             continue;
         }
-        if (concatMayFollow(source))
-            if (CPPreprocessorDefineConcat* concat = parseDefineConcat(source, depth, formals)) {
-                rc = cpAdoptChild(body, concat);
-                continue;
-            }
-        if (kind == CPT_POUND_POUND) rc = cpTakeToken(source, body);
-        else if (cpIsIdentifierLike(kind) && isFormal(formals, token) &&
-                 source.peekType(1) != CPT_LEFT_PAREN)
-            rc = cpAdoptChild(body, parseDefineArgument(source));
-        else if (cpIsIdentifierLike(kind)) rc = cpAdoptChild(body, cpParseMacroCall(source, depth, formals));
-        else if (cpIsBuiltinKind(kind)) rc = cpAdoptChild(body, cpParseBuiltin(source));
-        else rc = cpTakeToken(source, body);
+        rc = readOperandOrConcat(source, body, depth, formals);
     }
     if (rc != 0) {
         delete body;

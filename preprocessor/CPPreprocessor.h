@@ -80,6 +80,11 @@ public:
         return systemIncludePaths;
     }
     CPPreprocessorHost* getHost() const { return host; }
+    // Expansions nest by recursion (a body's call runs inside the body); past the limit a
+    // call is left as written, with an error.
+    bool mayExpandDeeper() const { return expansionDepth < MAX_EXPANSION_DEPTH; }
+    void enterExpansion() { ++expansionDepth; }
+    void leaveExpansion() { --expansionDepth; }
     bool isCancelled() const { return host && host->isCancelled(); }
 
     static void setIfEvaluator(IfEvaluator evaluator) { ifEvaluator = evaluator; }
@@ -98,6 +103,8 @@ private:
     CPPreprocessorUnit* outputTree = nullptr;  // counted
     class CPOutputWalker* walker = nullptr;
     unsigned tokenCount = 0;
+    enum { MAX_EXPANSION_DEPTH = 1000 };
+    int expansionDepth = 0;
     uint64_t served = 0;
     CPPreprocessorHost* host;
 

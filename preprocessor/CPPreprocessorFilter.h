@@ -40,7 +40,12 @@ enum CPPreprocessorStatus {
     CPPP_ERR_MISSING_CHILD = -8024,
     CPPP_ERR_DIVIDE_BY_ZERO = -8034,
     CPPP_ERR_NO_EVALUATOR = -8078,
+    CPPP_ERR_TOO_DEEP = -9010,
 };
+
+// Groups and calls nest by recursion, in reading and in running; past this depth a construct
+// is kept as plain tokens with an error, so that hostile input can't exhaust the stack.
+enum { CPPP_MAX_NESTING = 200 };
 
 // The kinds a name can have in a directive or text run: IDENTIFIER, every keyword, and the
 // directive words (but not `defined`).

@@ -282,6 +282,10 @@ int CPPreprocessorMacro::preprocess(CPPreprocessor* pp, CPPreprocessorFilter* ta
         if (rc != 1) return rc;
     }
     if (hasParentheses()) define = chaseAlias(pp, define, enclosingCall);
+    if (define && !define->expanding && !pp->mayExpandDeeper()) {
+        logErrorAtNode(nameToken, CPPP_ERR_TOO_DEEP);
+        define = nullptr;
+    }
     if (!define || define->expanding) return emitCall(pp, target, flat, enclosingCall, 0);
     if (const CPMacroTable::EntryList* entries = pp->getMacroTable().find(name))
         for (CPMacroTable::Symbol* entry : *entries)
@@ -289,7 +293,9 @@ int CPPreprocessorMacro::preprocess(CPPreprocessor* pp, CPPreprocessorFilter* ta
                 if (int rc = CPMacroTable::addReference(entry, nameToken)) return rc;
     CPPreprocessorDefineBody* body = define->getBody();
     if (body && body->getChildCount() > 0) {
+        pp->enterExpansion();
         int rc = expand(pp, define, target, flat, enclosingCall, depth);
+        pp->leaveExpansion();
         if (rc < 0) return rc;
     }
     if (define->isFunctionLike() || !hasParentheses()) return 0;

@@ -194,6 +194,26 @@ CPPreprocessorFilter* readIncludeLike(CPTokenSource& source, int depth, bool tai
 
 }  // namespace
 
+namespace {
+
+CPPreprocessorUnknown* readUnknown(CPTokenSource& source) {
+    CPPreprocessorUnknown* node = new (std::nothrow) CPPreprocessorUnknown;
+    if (node && (cpTakeToken(source, node) || cpTakeRestOfLine(source, node))) {
+        delete node;
+        return nullptr;
+    }
+    return node;
+}
+
+// A group opened too deep is kept as a line of tokens; its closing lines then stand alone.
+CPPreprocessorUnknown* readTooDeep(CPTokenSource& source) {
+    CPPreprocessorUnknown* node = readUnknown(source);
+    if (node) node->logErrorAtNode(node, CPPP_ERR_TOO_DEEP);
+    return node;
+}
+
+}  // namespace
+
 CPPreprocessorFilter* cpParseDirective(CPTokenSource& source, int depth) {
     int word = source.peekType(1);
     switch (word) {
@@ -202,7 +222,9 @@ CPPreprocessorFilter* cpParseDirective(CPTokenSource& source, int depth) {
     case CPT_NEWLINE: return readEmpty(source);
     case CPT_kw_if:
     case CPT_kw_ifdef:
-    case CPT_kw_ifndef: return cpParseIfGroup(source, depth);
+    case CPT_kw_ifndef:
+        if (depth > CPPP_MAX_NESTING) return readTooDeep(source);
+        return cpParseIfGroup(source, depth);
     case CPT_kw_elif:
     case CPT_kw_else:
     case CPT_kw_endif: return cpParseBranchDirective(source, depth);
@@ -216,14 +238,7 @@ CPPreprocessorFilter* cpParseDirective(CPTokenSource& source, int depth) {
     case CPT_kw_pragma:
         return readDirectiveWithArguments<CPPreprocessorPragma>(source, CPPP_ERR_MALFORMED);
     case CPT_kw_error: return readErrorDirective(source);
-    default: {
-        CPPreprocessorUnknown* node = new (std::nothrow) CPPreprocessorUnknown;
-        if (node && (cpTakeToken(source, node) || cpTakeRestOfLine(source, node))) {
-            delete node;
-            return nullptr;
-        }
-        return node;
-    }
+    default: return readUnknown(source);
     }
 }
 
