@@ -113,6 +113,19 @@ bool readIfExistsHead(CPParseContext& ctx, CPParseTree* node);
 CPParseTree* parseLiteral(CPParseContext& ctx, unsigned flags);
 // A node of class N, or null when memory runs out.
 template <class N> N* make() { return new (std::nothrow) N(); }
+// ( expression-list ) as a node of class N; null, with the input as it was, when no list
+// follows the parenthesis.
+template <class N> CPParseTree* parseParenthesizedList(CPParseContext& ctx) {
+    N* node = make<N>();
+    if (!node) return nullptr;
+    ctx.mark();
+    ctx.take(node);
+    CPParseTree* list = parseExpressionList(ctx, 0);
+    if (!list) return ctx.rollback(node);
+    node->addChild(list);
+    if (!ctx.accept(node, CPT_RIGHT_PAREN)) return ctx.fail(node, -8002, ")");
+    return ctx.commit(node);
+}
 // True if the node or a child it holds is one of the function declarator kinds.
 bool holdsFunctionDeclarator(const CPParseNode* node);
 // True if the node or one of its subtrees carries an error message of its own.

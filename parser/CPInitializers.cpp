@@ -19,17 +19,7 @@ CPParseTree* equalsInitializer(CPParseContext& ctx) {
 }
 
 // ( expression-list )
-CPParseTree* parenthesizedInitializer(CPParseContext& ctx) {
-    CPParenthesizedInitializer* node = make<CPParenthesizedInitializer>();
-    if (!node) return nullptr;
-    ctx.mark();
-    ctx.take(node);
-    CPParseTree* list = parseExpressionList(ctx, 0);
-    if (!list) return ctx.rollback(node);
-    node->addChild(list);
-    if (!ctx.accept(node, CPT_RIGHT_PAREN)) return ctx.fail(node, -8002, ")");
-    return ctx.commit(node);
-}
+CPParseTree* parenthesizedInitializer(CPParseContext& ctx) { return parseParenthesizedList<CPParenthesizedInitializer>(ctx); }
 
 // ( __if_exists | __if_not_exists ) ( unary-expression ) { ( assignment-expression |
 //     initializer-list ) ,? }

@@ -41,17 +41,7 @@ CPParseTree* parseDelete(CPParseContext& ctx, unsigned flags) {
 
 // new-placement:
 //     ( expression-list )
-CPParseTree* parseNewPlacement(CPParseContext& ctx) {
-    CPNewPlacement* node = make<CPNewPlacement>();
-    if (!node) return nullptr;
-    ctx.mark();
-    ctx.take(node);
-    CPParseTree* list = parseExpressionList(ctx, 0);
-    if (!list) return ctx.rollback(node);
-    node->addChild(list);
-    if (!ctx.accept(node, CPT_RIGHT_PAREN)) return ctx.fail(node, -8002, ")");
-    return ctx.commit(node);
-}
+CPParseTree* parseNewPlacement(CPParseContext& ctx) { return parseParenthesizedList<CPNewPlacement>(ctx); }
 
 // new-initializer:
 //     ( expression-list? )
