@@ -84,20 +84,12 @@ int CPParseTree::replaceChildren(unsigned index, unsigned count, CPParseNode* no
     return rc;
 }
 
-int CPParseTree::insertBefore(CPParseNode* node) {
+int CPParseTree::insertBeside(CPParseNode* node, bool after) {
     CPParseNode* p = getParent();
     if (!p || !p->isTree()) return ERR_NULLARG;
     CPParseTree* tree = static_cast<CPParseTree*>(p);
     int at = tree->indexOfChild(this, false);
-    return at < 0 ? ERR_BADINDEX : tree->insertChild(unsigned(at), node, false);
-}
-
-int CPParseTree::insertAfter(CPParseNode* node) {
-    CPParseNode* p = getParent();
-    if (!p || !p->isTree()) return ERR_NULLARG;
-    CPParseTree* tree = static_cast<CPParseTree*>(p);
-    int at = tree->indexOfChild(this, false);
-    return at < 0 ? ERR_BADINDEX : tree->insertChild(unsigned(at), node, true);
+    return at < 0 ? ERR_BADINDEX : tree->insertChild(unsigned(at), node, after);
 }
 
 namespace {

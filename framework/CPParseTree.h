@@ -77,8 +77,8 @@ public:
     virtual int insertChild(unsigned index, CPParseNode* node, bool after) {
         return TBPParseTree<CPParseNodeType>::insertChild(after ? index + 1 : index, node);
     }
-    virtual int insertBefore(CPParseNode* node);
-    virtual int insertAfter(CPParseNode* node);
+    virtual int insertBefore(CPParseNode* node) { return insertBeside(node, false); }
+    virtual int insertAfter(CPParseNode* node) { return insertBeside(node, true); }
     virtual int requireType() { return 0; }
 
     // The kind under which the name this node declares is noted while parsing (2 for a plain
@@ -89,6 +89,8 @@ public:
     using TBPParseTree<CPParseNodeType>::getType;
 
 protected:
+    // On the parent, next to this node.
+    int insertBeside(CPParseNode* node, bool after);
     // A message at a token that came out of a macro also notes where the user wrote it (the
     // call site, for the first token of an expansion).
     int noteWrittenPlace(CPToken* leaf) override;

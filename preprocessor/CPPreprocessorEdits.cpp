@@ -43,14 +43,25 @@ int replaceInParent(Token* old, CPPreprocessedToken* wrapper) {
     return static_cast<TBPParseTree<CPParseNodeType>*>(parent)->setChild(unsigned(at), wrapper);
 }
 
-// The owners of token that an edit may touch, taken before the edit changes the list.
-int editableOwners(CPPreprocessorToken* token, QBArray<CPPreprocessorFilter*>& out) {
+// Runs edit(owner, index of token) in each owner of token outside a define, last first, each
+// marked modified. The owners are taken before the edits change the token's list.
+template <class Edit>
+int editOwners(CPPreprocessorToken* token, Edit edit) {
+    QBArray<CPPreprocessorFilter*> owners;
     for (unsigned i = 0; i < token->getOwnerCount(); ++i) {
         CPPreprocessorFilter* owner = token->getOwner(i);
         if (owner && !owner->isInDefine())
-            if (int rc = out.add(owner)) return rc;
+            if (int rc = owners.add(owner)) return rc;
     }
-    return 0;
+    int rc = 0;
+    for (unsigned n = owners.count(); rc == 0 && n-- > 0;) {
+        CPPreprocessorFilter* owner = owners[n];
+        int at = owner->indexOfChild(token, false);
+        if (at < 0) continue;
+        owner->setModified();
+        rc = edit(owner, unsigned(at));
+    }
+    return rc;
 }
 
 // Inserts the list at index, last item first so that the items keep their order.
@@ -117,15 +128,10 @@ int CPPreprocessorEdits::insertNextTo(CPPreprocessorToken* token, TokenList& lis
     CPPreprocessorFilter* parent = CPPreprocessorFilter::from(token->getParent());
     int rc = parent ? cloneForEdit(parent, list) : 0;
     bool cloned = parent && rc == 0;
-    QBArray<CPPreprocessorFilter*> owners;
-    if (rc == 0) rc = editableOwners(token, owners);
-    for (unsigned n = owners.count(); rc == 0 && n-- > 0;) {
-        CPPreprocessorFilter* owner = owners[n];
-        int at = owner->indexOfChild(token, false);
-        if (at < 0) continue;
-        owner->setModified();
-        rc = insertList(owner, unsigned(at) + (after ? 1 : 0), list);
-    }
+    if (rc == 0)
+        rc = editOwners(token, [&](CPPreprocessorFilter* owner, unsigned at) {
+            return insertList(owner, at + (after ? 1 : 0), list);
+        });
     if (cloned) settle(list);
     token->release();
     return rc;
@@ -151,17 +157,13 @@ int CPPreprocessorEdits::replaceToken(CPPreprocessorFilter* node, unsigned child
     token->addRef();
     int rc = cloneForEdit(node, list);
     bool cloned = rc == 0;
-    QBArray<CPPreprocessorFilter*> owners;
-    if (rc == 0) rc = editableOwners(token, owners);
-    for (unsigned n = owners.count(); rc == 0 && n-- > 0;) {
-        CPPreprocessorFilter* owner = owners[n];
-        int at = owner->indexOfChild(token, false);
-        if (at < 0) continue;
-        owner->setModified();
-        rc = owner->replaceChild(unsigned(at), nullptr);
-        if (rc == 0) rc = insertList(owner, unsigned(at), list);
-        if (owner == node) owner->pruneIfEmpty();
-    }
+    if (rc == 0)
+        rc = editOwners(token, [&](CPPreprocessorFilter* owner, unsigned at) {
+            int status = owner->replaceChild(at, nullptr);
+            if (status == 0) status = insertList(owner, at, list);
+            if (owner == node) owner->pruneIfEmpty();
+            return status;
+        });
     if (cloned) settle(list);
     token->release();
     return rc;
