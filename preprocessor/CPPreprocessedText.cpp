@@ -63,11 +63,19 @@ void lineMarker(TextState& s, uint32_t line) {
 }
 
 // One blank where the two neighbours would read as another token.
+// Two characters that begin one longer token (a punctuator, a digraph, a comment or a number),
+// so the text would read back as other tokens: `+ ++x` must not print as `+++x`, nor `a / *p`
+// as the start of a comment.
 bool needsBlank(char last, char first) {
     if (isSymbolChar(last) && isSymbolChar(first)) return true;
-    if ((last == '<' || last == '>') && first == last) return true;
-    if (last == ':' && first == ':') return true;
-    return (last == '&' || last == '*') && first == '=';
+    static const char* const fusing[] = {"++", "--", "->", "+=", "-=", "*=", "/=", "%=", "&=",
+                                         "|=", "^=", "==", "!=", "<=", ">=", "<<", ">>", "&&",
+                                         "||", "::", "##", "..", ".*", "//", "/*", "<:", "<%",
+                                         "%:", "%>", ":>"};
+    for (const char* pair : fusing)
+        if (pair[0] == last && pair[1] == first) return true;
+    bool digitLast = last >= '0' && last <= '9', digitFirst = first >= '0' && first <= '9';
+    return (digitLast && first == '.') || (last == '.' && digitFirst);
 }
 
 // File and line come from the written token, so an expansion stands where its call stands; a

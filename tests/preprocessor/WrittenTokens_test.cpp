@@ -92,6 +92,13 @@ TEST(PreprocessedText, SpacingOnlyWhereTokensWouldFuse) {
     quernbase::QBString out;
     EXPECT_EQ(run.pp().writePreprocessedText(out, false), 0);
     EXPECT_EQ(std::string(out.get()), "x=A<B<int> >;y=*p;z=a+b;c=d::e;");
+    // Pairs that would read back as other tokens or open a comment keep a blank.
+    const char* source = "a = b + ++c - -d / *p & &q | |r; e = f - >g; h = 1 . 5; i = j- -1;\n";
+    PreprocessorRun fusing(source);
+    quernbase::QBString text;
+    EXPECT_EQ(fusing.pp().writePreprocessedText(text, false), 0);
+    EXPECT_EQ(std::string(text.get()), "a=b+ ++c- -d/ *p& &q| |r;e=f- >g;h=1 . 5;i=j- -1;");
+    EXPECT_EQ(lexSpellings(text.get()), lexSpellings(source));
 }
 
 TEST(PreprocessedText, LinesIndentAndMarkers) {
