@@ -129,7 +129,7 @@ void readMemberRun(CPParseContext& ctx, CPParseTree* node) {
 
 }  // namespace
 
-// member-specification:
+// member-list:
 //     ( access-specifier : )? member-declaration*
 CPParseTree* parseMemberSequence(CPParseContext& ctx, unsigned) {
     CPMemberDeclarationSequence* node = make<CPMemberDeclarationSequence>();
@@ -151,7 +151,7 @@ CPParseTree* parseMemberSequence(CPParseContext& ctx, unsigned) {
     return ctx.commit(node);
 }
 
-// __if_exists-member-specification:
+// __if_exists-member-list:
 //     ( __if_exists | __if_not_exists ) ( unary-expression ) { ( access : )? member* }
 CPParseTree* parseIfExistsMembers(CPParseContext& ctx, unsigned) {
     CPIfExistsMemberDeclarationSequence* node = make<CPIfExistsMemberDeclarationSequence>();

@@ -81,7 +81,7 @@ CPParseTree* parseCompilationUnit(CPParseContext& ctx) {
 
 // declaration:
 //     block-declaration | function-definition | template-declaration
-//     | explicit-instantiation | explicit-specialization | linkage-specification
+//     | explicit-instantiation | explicit-specialization | linkage-block
 //     | namespace-definition | __if_exists-declaration
 CPParseTree* parseDeclaration(CPParseContext& ctx, unsigned flags) {
     CPDepthGuard guard(ctx);

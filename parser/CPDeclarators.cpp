@@ -136,7 +136,7 @@ CPParseTree* arraySuffix(CPParseContext& ctx, CPParseTree* base, CPParseTree* no
     return node;
 }
 
-// ( parameter-declaration-clause ) cv-qualifier-seq? exception-specification?
+// ( parameter-declaration-clause ) cv-qualifier-seq? throw-list?
 CPParseTree* functionSuffix(CPParseContext& ctx, CPParseTree* base, CPParseTree* node) {
     node->addChild(base);
     ctx.take(node);
@@ -394,7 +394,7 @@ CPParseTree* parseTypeId(CPParseContext& ctx, unsigned flags) {
     return node;
 }
 
-// exception-specification:
+// throw-list:
 //     throw ( ( type-id ( , type-id )* | ... )? )
 CPParseTree* parseExceptionSpecification(CPParseContext& ctx, unsigned) {
     if (!ctx.at(CPT_kw_throw)) return nullptr;

@@ -1,4 +1,4 @@
-// Namespaces, linkage specifications, using, inline assembly, bracketed attributes and
+// Namespaces, extern "C" blocks, using, inline assembly, bracketed attributes and
 // `__if_exists` at namespace level.
 #include "CPClasses.h"
 #include "CPExpressions.h"
@@ -60,7 +60,7 @@ CPParseTree* parseNamespaceAlias(CPParseContext& ctx, unsigned) {
     return ctx.commit(node);
 }
 
-// linkage-specification:
+// linkage-block:
 //     extern string-literal { declaration-seq? }
 //     extern string-literal declaration
 CPParseTree* parseLinkageSpecification(CPParseContext& ctx, unsigned flags) {

@@ -84,20 +84,7 @@ template <class Node>
 Node* parseNameCondition(CPTokenSource& source) {
     Node* node = new (std::nothrow) Node;
     if (!node) return nullptr;
-    int rc = cpTakeToken(source, node);
-    if (rc == 0) rc = cpTakeToken(source, node);
-    int kind = source.currentType();
-    if (rc == 0 && (cpIsIdentifierLike(kind) || cpIsBuiltinKind(kind))) {
-        if (!cpIsBuiltinKind(kind)) source.currentToken()->setType(CPT_IDENTIFIER);
-        rc = cpTakeToken(source, node);
-        if (rc == 0 && !cpAtLineEnd(source.currentType()))
-            node->logErrorAtSource(source, CPPP_ERR_EXTRA_TOKENS,
-                                   source.currentToken()->getSpellingConst());
-    } else if (rc == 0) {
-        node->logErrorAtSource(source, CPPP_ERR_NAME_REQUIRED);
-    }
-    if (rc == 0) rc = cpTakeRestOfLine(source, node);
-    if (rc != 0) {
+    if (cpReadNamedDirective(source, node, true) != 0) {
         delete node;
         return nullptr;
     }

@@ -16,6 +16,22 @@ int cpTakeRestOfLine(CPTokenSource& source, CPPreprocessorFilter* node) {
     return 0;
 }
 
+int cpReadNamedDirective(CPTokenSource& source, CPPreprocessorFilter* node, bool keepBuiltin) {
+    int rc = cpTakeToken(source, node);
+    if (rc == 0) rc = cpTakeToken(source, node);
+    int kind = source.currentType();
+    if (rc == 0 && (cpIsIdentifierLike(kind) || cpIsBuiltinKind(kind))) {
+        if (!(keepBuiltin && cpIsBuiltinKind(kind))) source.currentToken()->setType(CPT_IDENTIFIER);
+        rc = cpTakeToken(source, node);
+        if (rc == 0 && !cpAtLineEnd(source.currentType()))
+            node->logErrorAtSource(source, CPPP_ERR_EXTRA_TOKENS,
+                                   source.currentToken()->getSpellingConst());
+    } else if (rc == 0) {
+        node->logErrorAtSource(source, CPPP_ERR_NAME_REQUIRED);
+    }
+    return rc == 0 ? cpTakeRestOfLine(source, node) : rc;
+}
+
 int cpSkipTo(CPTokenSource& source, CPPreprocessorFilter* node, int kind, bool consume) {
     for (int k = source.currentType(); k != kind; k = source.currentType()) {
         if (k == CPT_EOF) {

@@ -45,5 +45,9 @@ int cpTakeRestOfLine(CPTokenSource& source, CPPreprocessorFilter* node);
 int cpSkipTo(CPTokenSource& source, CPPreprocessorFilter* node, int kind, bool consume);
 // Adds child to node; frees child and gives -8 if that fails (or if child is null).
 int cpAdoptChild(CPPreprocessorFilter* node, CPPreprocessorFilter* child);
+// Fills node with `# word NAME` and the rest of the line: NAME must be a name or a builtin (a
+// builtin keeps its kind with keepBuiltin), and anything behind it is an error. -8 when memory
+// runs out.
+int cpReadNamedDirective(CPTokenSource& source, CPPreprocessorFilter* node, bool keepBuiltin);
 // A builtin node holding the current token, which it consumes.
 CPPreprocessorBuiltin* cpParseBuiltin(CPTokenSource& source);
