@@ -1,5 +1,7 @@
 #include "CPLexer.h"
 
+#include <cstring>
+
 #include "CPPreprocessorToken.h"
 #include "CPScanner.h"
 
@@ -9,6 +11,31 @@ CPLexer::CPLexer(const BPSourceHandle& source, int mode)
 }
 
 CPLexer::~CPLexer() = default;
+
+namespace {
+
+struct CxxOnlyKinds {
+    bool kinds[CPT_LAST_TOKEN + 1] = {};
+    CxxOnlyKinds() {
+#define CXX_ONLY(name) kinds[name] = true;
+#define TOKEN(number, name, print)
+#define KEYWORD(number, name, print)
+#include "CPTokenKinds.def"
+#undef KEYWORD
+#undef TOKEN
+#undef CXX_ONLY
+    }
+};
+const CxxOnlyKinds cxxOnly;
+
+}  // namespace
+
+int CPLexer::kindInC(int kind, const char* start, const char* end) const {
+    if (kind >= 0 && kind <= CPT_LAST_TOKEN && cxxOnly.kinds[kind]) return CPT_IDENTIFIER;
+    if (kind == CPT_IDENTIFIER && end - start == 5 && std::memcmp(start, "_Bool", 5) == 0)
+        return CPT_kw_bool;
+    return kind;
+}
 
 bool CPLexer::isIdentifierChar(int c) const { return cpIsIdentifierChar((unsigned char)c); }
 
@@ -28,6 +55,7 @@ CPParseNodeType CPLexer::scanToken() {
     }
     CPScanCursor scan{top->cursor, end, top->line, 0, 0};
     int kind = cpScanToken(scan);
+    if (readsC) kind = kindInC(kind, top->cursor, scan.cursor);
     top->cursor = scan.cursor;
     top->line = scan.line;
     if (scan.pendingError) pendingError = scan.pendingError;

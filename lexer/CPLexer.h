@@ -3,7 +3,8 @@
 //
 // It interprets nothing: comments, blanks, line ends and backslashes come out as tokens, so that
 // the whitespace filter can hang them on the next token and the file can be written back byte
-// for byte. Every keyword is a keyword in every file; the parser decides when one is a name.
+// for byte. Every keyword is a keyword in every file, unless the file is read as C: then the
+// keywords that only C++ has are names, and C's `_Bool` is the boolean type's keyword.
 #pragma once
 
 #include "CPParseNodeType.h"
@@ -19,4 +20,13 @@ public:
     Token* makeToken(CPParseNodeType type, const BPSourcePosition& position, uint32_t length,
                      const BPSourcePosition& filePosition) override;
     CPParseNodeType scanToken() override;
+
+    // Before the first token: whether the text is C rather than C++.
+    void setReadsC(bool c) { readsC = c; }
+    bool getReadsC() const { return readsC; }
+
+private:
+    bool readsC = false;
+
+    int kindInC(int kind, const char* start, const char* end) const;
 };

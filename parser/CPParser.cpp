@@ -51,8 +51,14 @@ int CPParser::addSystemIncludePath(const QBString& path) {
     return entry.isEmpty() ? 0 : preprocessor.addSystemIncludePath(entry);
 }
 
+// "-xc" reads the file and its headers as C, "-xc++" as C++ (the default). The editor never
+// sends either, so its files keep the one mode; the option applies to the definitions after it.
 int CPParser::addDefineOption(const QBString& option) {
-    return preprocessor.addDefineOption(option);
+    bool c = option == "-xc";
+    if (!c && !(option == "-xc++")) return preprocessor.addDefineOption(option);
+    lexer.setReadsC(c);
+    preprocessor.setReadsC(c);
+    return 0;
 }
 
 int CPParser::setConfigFile(const QBString& path) {

@@ -232,6 +232,12 @@ int CPPreprocessor::collectErrors(TBPErrorLog<CPParseNodeType>& log) {
     return 0;
 }
 
+CPLexer* CPPreprocessor::makeLexer(const BPSourceHandle& source, int mode) const {
+    CPLexer* lexer = new (std::nothrow) CPLexer(source, mode);
+    if (lexer) lexer->setReadsC(readsC);
+    return lexer;
+}
+
 // ---- Command-line definitions ---------------------------------------------------------------
 
 int CPPreprocessor::addDefineOption(const QBString& option) {
@@ -289,7 +295,7 @@ int CPPreprocessor::addOneDefine(const QBString& piece) {
     if (handle.isNull()) return CPPP_ERR_NOMEM;
     handle->fileName = sourceName;
     if (BPSourceCache* cache = getSourceCache()) cache->set(sourceName, handle);
-    CPLexer* lexer = new (std::nothrow) CPLexer(handle, 0);
+    CPLexer* lexer = makeLexer(handle, 0);
     if (!lexer) return CPPP_ERR_NOMEM;
     lexer->addRef();
     CPWhitespaceFilter* filter = new (std::nothrow) CPWhitespaceFilter(lexer);

@@ -16,6 +16,7 @@
 #include "TBPParseCache.h"
 #include "TBPTokenSource.h"
 
+class CPLexer;
 class CPPreprocessorFilter;
 class CPPreprocessorInclude;
 class CPPreprocessorMacro;
@@ -53,6 +54,11 @@ public:
     void setSourceCache(BPSourceCache* cache) { BPRefCountObject::assign(sourceCache, cache); }
     // -Dname[=value][,...], -Uname[,...], a bare name[=value]; quotes around it are dropped.
     int addDefineOption(const quernbase::QBString& option);
+    // Whether the file and its headers are C: every lexer made here then reads C's keywords.
+    void setReadsC(bool c) { readsC = c; }
+    bool getReadsC() const { return readsC; }
+    // A lexer on source in the given mode, for the file's language; null when out of memory.
+    CPLexer* makeLexer(const BPSourceHandle& source, int mode) const;
 
     // The two trees, made on demand. 0, or a negative status.
     int readSourceTree();
@@ -106,6 +112,7 @@ private:
     enum { MAX_EXPANSION_DEPTH = 1000 };
     int expansionDepth = 0;
     uint64_t served = 0;
+    bool readsC = false;
     CPPreprocessorHost* host;
 
     static inline IfEvaluator ifEvaluator = nullptr;

@@ -196,7 +196,7 @@ int loadTree(CPPreprocessor* pp, const QBString& path, BPSourceHandle& entry, in
                ? static_cast<CPPreprocessorUnit*>(cached)
                : nullptr;
     if (tree) return 0;
-    CPLexer* lexer = new (std::nothrow) CPLexer(entry, mode);
+    CPLexer* lexer = pp->makeLexer(entry, mode);
     if (!lexer) return CPPP_ERR_NOMEM;
     lexer->addRef();
     CPWhitespaceFilter* filter = new (std::nothrow) CPWhitespaceFilter(lexer);

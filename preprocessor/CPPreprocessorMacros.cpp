@@ -552,7 +552,7 @@ static CPPreprocessorPPTokens* lexPastedText(CPPreprocessor* pp, const QBString&
         handle->fileName = name;
         if (cache) cache->set(name, handle);
     }
-    CPLexer* lexer = new (std::nothrow) CPLexer(handle, 0);
+    CPLexer* lexer = pp->makeLexer(handle, 0);
     if (!lexer) return nullptr;
     lexer->addRef();
     CPWhitespaceFilter* filter = new (std::nothrow) CPWhitespaceFilter(lexer);
