@@ -85,11 +85,7 @@ int CPParser::open(const QBString& name) {
 
 // -8001 when any tree of the file carries the error flag.
 int CPParser::treeStatus() const {
-    if (!root || root->hasError()) return ERR_TREE_HAS_ERRORS;
-    CPPreprocessorUnit* sourceTree = preprocessor.getSourceTree();
-    if (sourceTree && sourceTree->hasError()) return ERR_TREE_HAS_ERRORS;
-    CPPreprocessorUnit* outputTree = preprocessor.getOutputTree();
-    if (outputTree && outputTree->hasError()) return ERR_TREE_HAS_ERRORS;
+    if (!root || root->hasError() || preprocessor.hasErrors()) return ERR_TREE_HAS_ERRORS;
     return 0;
 }
 
@@ -112,11 +108,7 @@ int CPParser::preprocess(QBString& out, bool addLineMarkers) {
     int rc = preprocessor.writePreprocessedText(out, addLineMarkers);
     if (rc < 0) return cancelled ? ERR_CANCELLED : rc;
     if (out.append('\n') < 0) return ERR_NO_MEMORY;
-    CPPreprocessorUnit* sourceTree = preprocessor.getSourceTree();
-    CPPreprocessorUnit* outputTree = preprocessor.getOutputTree();
-    if ((sourceTree && sourceTree->hasError()) || (outputTree && outputTree->hasError()))
-        return ERR_TREE_HAS_ERRORS;
-    return 0;
+    return preprocessor.hasErrors() ? ERR_TREE_HAS_ERRORS : 0;
 }
 
 // Analysis is not there yet: both passes only check that there is a tree to analyse.

@@ -217,6 +217,16 @@ TBPToken<CPParseNodeType>* CPPreprocessor::nextServedToken() {
     return new (std::nothrow) CPPreprocessedToken(source, owner, index);
 }
 
+bool CPPreprocessor::hasErrors() const {
+    if ((sourceTree && sourceTree->hasError()) || (outputTree && outputTree->hasError()))
+        return true;
+    QBArray<TBPParseTree<CPParseNodeType>*> headers;
+    if (!parseCache || parseCache->getTrees(headers) < 0) return false;
+    for (TBPParseTree<CPParseNodeType>* header : headers)
+        if (header && header->hasError()) return true;
+    return false;
+}
+
 int CPPreprocessor::collectErrors(TBPErrorLog<CPParseNodeType>& log) {
     if (sourceTree && sourceTree->hasError())
         if (int rc = sourceTree->collectErrors(log); rc < 0) return rc;

@@ -68,6 +68,9 @@ public:
     unsigned getTokenCount() const { return tokenCount; }
 
     int collectErrors(TBPErrorLog<CPParseNodeType>& log);
+    // Whether a tree of the file carries an error: its source and output trees, and the source
+    // trees of its headers and configuration header.
+    bool hasErrors() const;
     // The served tokens as text: macros expanded, active branches only, with #line markers on
     // file and line changes when asked. The caller adds the final newline.
     int writePreprocessedText(quernbase::QBString& out, bool addLineMarkers);
