@@ -81,17 +81,36 @@ bool readEntry(const nlohmann::json& entry, CompileOptions& options) {
     return true;
 }
 
-std::string quotedIfBlank(const std::string& token) {
-    return token.find_first_of(" \t") == std::string::npos ? token : "\"" + token + "\"";
+// -x names a language; the header forms are the same language.
+std::string languageNamed(const std::string& name) {
+    if (name == "c" || name == "c-header" || name == "cpp-output") return "c";
+    if (name == "c++" || name == "c++-header" || name == "c++-cpp-output") return "c++";
+    return std::string();
 }
 
-std::string joined(const std::vector<std::string>& parts, const char* separator) {
-    std::string text;
-    for (const std::string& part : parts) text += (text.empty() ? "" : separator) + part;
-    return text;
-}
+const char* const kValueOptions[] = {"-I", "-iquote", "-isystem", "-idirafter", "-include",
+                                     "-D", "-U", "-x", "-o", "-MF", "-MT", "-MQ", "-imacros"};
 
 }  // namespace
+
+void CompileOptions::append(const CompileOptions& later) {
+    if (!later.language.empty()) language = later.language;
+    if (!later.standard.empty()) standard = later.standard;
+    auto add = [](std::vector<std::string>& to, const std::vector<std::string>& from) {
+        to.insert(to.end(), from.begin(), from.end());
+    };
+    add(userIncludes, later.userIncludes);
+    add(systemIncludes, later.systemIncludes);
+    add(afterIncludes, later.afterIncludes);
+    add(macroOptions, later.macroOptions);
+    add(forcedIncludes, later.forcedIncludes);
+}
+
+bool takesSeparateValue(const std::string& arg) {
+    for (const char* option : kValueOptions)
+        if (arg == option) return true;
+    return false;
+}
 
 std::vector<std::string> splitCommandLine(const std::string& command) {
     std::vector<std::string> words;
@@ -131,8 +150,14 @@ CompileOptions optionsFromArguments(const std::vector<std::string>& args,
     options.file = absoluteFrom(directory, file);
     std::string value;
     for (size_t i = 1; i < args.size(); ++i) {
-        if (takeValue(args, i, "-isystem", value) || takeValue(args, i, "-idirafter", value))
+        if (takeValue(args, i, "-isystem", value))
             options.systemIncludes.push_back(absoluteFrom(directory, value));
+        else if (takeValue(args, i, "-idirafter", value))
+            options.afterIncludes.push_back(absoluteFrom(directory, value));
+        else if (args[i].compare(0, 5, "-std=") == 0 || args[i] == "-ansi")
+            options.standard = args[i];
+        else if (takeValue(args, i, "-x", value))
+            options.language = languageNamed(value);
         else if (takeValue(args, i, "-iquote", value) || takeValue(args, i, "-I", value))
             options.userIncludes.push_back(absoluteFrom(directory, value));
         else if (takeValue(args, i, "--include", value) || takeValue(args, i, "-include", value))
@@ -176,16 +201,6 @@ const CompileOptions* findCompileOptions(const std::vector<CompileOptions>& entr
     for (const CompileOptions& entry : entries)
         if (canonicalOrSame(entry.file) == real) return &entry;
     return nullptr;
-}
-
-AddFileArguments toAddFileArguments(const CompileOptions& options) {
-    AddFileArguments arguments;
-    arguments.userIncludePath = joined(options.userIncludes, ";");
-    arguments.systemIncludePath = joined(options.systemIncludes, ";");
-    std::vector<std::string> tokens;
-    for (const std::string& option : options.macroOptions) tokens.push_back(quotedIfBlank(option));
-    arguments.defineOptions = joined(tokens, " ");
-    return arguments;
 }
 
 }  // namespace qbcli

@@ -1,5 +1,6 @@
 // A project's compile_commands.json, read into the options that the engine takes per file:
-// include directories, -D and -U definitions and forced includes.
+// the language and standard, include directories, -D and -U definitions and forced includes.
+// The command line's own compiler options are read by the same reader.
 #pragma once
 
 #include <string>
@@ -10,18 +11,16 @@ namespace qbcli {
 struct CompileOptions {
     std::string file;       // absolute and normalized
     std::string directory;  // where the compiler ran; relative paths are taken from here
+    std::string language;                     // -x: "c" or "c++"; empty when not given
+    std::string standard;                     // "-std=..." or "-ansi"; empty when not given
     std::vector<std::string> userIncludes;    // -I, -iquote; absolute
-    std::vector<std::string> systemIncludes;  // -isystem, -idirafter; absolute
+    std::vector<std::string> systemIncludes;  // -isystem; absolute
+    std::vector<std::string> afterIncludes;   // -idirafter, searched after the compiler's own
     std::vector<std::string> macroOptions;    // "-DNAME", "-DNAME=VALUE", "-UNAME" in order
     std::vector<std::string> forcedIncludes;  // -include; absolute
-};
 
-// The strings refactor_add_file takes: include lists joined with ';' and the definition options
-// as blank-separated tokens, a token with blanks in double quotes.
-struct AddFileArguments {
-    std::string userIncludePath;
-    std::string systemIncludePath;
-    std::string defineOptions;
+    // Adds what later options say: lists grow, the language and standard are replaced.
+    void append(const CompileOptions& later);
 };
 
 // Reads DIR/compile_commands.json (or the file itself when path names a file). False with error
@@ -38,6 +37,8 @@ std::vector<std::string> splitCommandLine(const std::string& command);
 // The options of one compiler invocation (arguments[0] is the compiler).
 CompileOptions optionsFromArguments(const std::vector<std::string>& arguments,
                                     const std::string& directory, const std::string& file);
-AddFileArguments toAddFileArguments(const CompileOptions& options);
+// Whether arg, an option of a compiler, takes the next argument as its value ("-I" alone, "-D",
+// "-include", "-x", ...); the readers of command lines need it to tell values from files.
+bool takesSeparateValue(const std::string& arg);
 
 }  // namespace qbcli

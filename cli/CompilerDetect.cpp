@@ -57,7 +57,6 @@ const Compatibility kCompatibility[] = {
     {"_Float64x", "long double", BOTH, "_Float64x x;"},
     {"__float128", "long double", BOTH, "__float128 x;"},
     {"__float80", "long double", BOTH, "__float80 x;"},
-    {"_Bool", "bool", C_ONLY, "_Bool x;"},
     {"_Complex", "", BOTH, "double _Complex x;"},
     {"_Noreturn", "", C_ONLY, "_Noreturn void f(void);"},
     {"_Thread_local", "", C_ONLY, "_Thread_local int x;"},
@@ -273,7 +272,8 @@ std::vector<std::string> definedNames(const std::string& defineLines) {
     return names;
 }
 
-bool detectCompiler(const std::string& command, CompilerInfo& info, std::string& error) {
+bool detectCompiler(const std::string& command, CompilerInfo& info, std::string& error,
+                    const std::string& standard) {
     info = CompilerInfo();
     info.command = command;
     info.configName = baseName(command);
@@ -287,6 +287,10 @@ bool detectCompiler(const std::string& command, CompilerInfo& info, std::string&
     info.modeOptions = info.language == SourceLanguage::C
                            ? std::vector<std::string>{"-x", "c"}
                            : std::vector<std::string>{"-x", "c++", "-std=gnu++98"};
+    if (!standard.empty()) {
+        if (info.language == SourceLanguage::Cxx) info.modeOptions.pop_back();
+        info.modeOptions.push_back(standard);
+    }
     std::string verbose;
     if (!ask(info, {"-dM", "-E", "/dev/null"}, 1, info.macros, error)) return false;
     if (!ask(info, {"-E", "-v", "/dev/null"}, 2, verbose, error)) return false;
@@ -299,11 +303,15 @@ bool detectCompiler(const std::string& command, CompilerInfo& info, std::string&
     return true;
 }
 
+const char kOriginStart[] = "/* Predefined macros of ";
+const char kOriginMiddle[] = ", read with: ";
+const char kOriginEnd[] = " -dM -E /dev/null */";
+
 std::string compilerHeaderText(const CompilerInfo& info) {
     std::string mode;
     for (const std::string& option : info.modeOptions) mode += " " + option;
-    std::string text = "/* Predefined macros of " + info.path + ", read with: " + info.command +
-                       mode + " -dM -E /dev/null */\n";
+    std::string text = kOriginStart + info.path + kOriginMiddle + info.command + mode +
+                       kOriginEnd + "\n";
     text += info.macros;
     if (!text.empty() && text.back() != '\n') text += '\n';
     text += "\n/* GNU extensions that the parser does not know */\n";
@@ -311,12 +319,37 @@ std::string compilerHeaderText(const CompilerInfo& info) {
     return text;
 }
 
+bool headerOrigin(const std::string& headerText, std::string& compilerPath,
+                  std::vector<std::string>& modeOptions) {
+    std::string line = headerText.substr(0, headerText.find('\n'));
+    size_t middle = line.find(kOriginMiddle);
+    size_t end = line.rfind(kOriginEnd);
+    if (line.compare(0, sizeof kOriginStart - 1, kOriginStart) != 0 ||
+        middle == std::string::npos || end == std::string::npos || end < middle)
+        return false;
+    compilerPath = line.substr(sizeof kOriginStart - 1, middle - (sizeof kOriginStart - 1));
+    std::stringstream words(line.substr(middle + sizeof kOriginMiddle - 1,
+                                        end - middle - (sizeof kOriginMiddle - 1)));
+    std::string word;
+    modeOptions.clear();
+    words >> word;  // the command as it was given
+    while (words >> word) modeOptions.push_back(word);
+    return !compilerPath.empty();
+}
+
+SourceLanguage languageOfStandard(const std::string& standard, SourceLanguage fallback) {
+    if (standard.compare(0, 5, "-std=") != 0) return fallback;
+    return standard.find("++") != std::string::npos ? SourceLanguage::Cxx : SourceLanguage::C;
+}
+
+std::vector<std::string> defaultConfigurationNames(SourceLanguage language) {
+    return language == SourceLanguage::C ? std::vector<std::string>{"gcc", "clang", "cc"}
+                                         : std::vector<std::string>{"g++", "clang++", "c++"};
+}
+
 std::string defaultConfigurationFor(const std::string& fileName,
                                     const std::vector<std::string>& available) {
-    std::vector<std::string> preferred = languageOfFile(fileName) == SourceLanguage::C
-                                             ? std::vector<std::string>{"gcc", "clang", "cc"}
-                                             : std::vector<std::string>{"g++", "clang++", "c++"};
-    for (const std::string& name : preferred)
+    for (const std::string& name : defaultConfigurationNames(languageOfFile(fileName)))
         if (std::find(available.begin(), available.end(), name) != available.end()) return name;
     return std::string();
 }

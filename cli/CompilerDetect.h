@@ -44,14 +44,27 @@ std::vector<std::string> parseIncludeSearchList(const std::string& verboseOutput
 std::vector<std::string> definedNames(const std::string& defineLines);
 
 // Fills every field for a compiler command; false with error when it can't be run or read.
-bool detectCompiler(const std::string& command, CompilerInfo& info, std::string& error);
-// The header text: the macros, then the compatibility block.
+// standard ("-std=c99", "-ansi") asks for another mode than the usual one: the compiler's own
+// default for C, gnu++98 for C++.
+bool detectCompiler(const std::string& command, CompilerInfo& info, std::string& error,
+                    const std::string& standard = std::string());
+// The header text: a first line that names the compiler and the mode it was asked in, the
+// macros, then the compatibility block.
 std::string compilerHeaderText(const CompilerInfo& info);
+// From a header's first line as compilerHeaderText writes it: the compiler's path and the mode
+// options it was asked with. False for a header that detection did not write.
+bool headerOrigin(const std::string& headerText, std::string& compilerPath,
+                  std::vector<std::string>& modeOptions);
+// The language of a standard option ("-std=gnu99" is C, "-std=c++11" C++); fallback for one
+// that names no language ("-ansi") or none at all.
+SourceLanguage languageOfStandard(const std::string& standard, SourceLanguage fallback);
 
 // The configuration a file should be parsed with, among those available: the detected
 // configuration of the file's language (gcc, then clang, for C; g++, then clang++, for C++).
 // Empty when none of them is there.
 std::string defaultConfigurationFor(const std::string& fileName,
                                     const std::vector<std::string>& available);
+// The names defaultConfigurationFor prefers for a language, best first.
+std::vector<std::string> defaultConfigurationNames(SourceLanguage language);
 
 }  // namespace qbcli

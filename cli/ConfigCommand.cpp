@@ -147,24 +147,6 @@ std::string absolute(const std::string& path) {
     return ec ? path : p.lexically_normal().string();
 }
 
-bool writeFileWhole(const std::string& path, const std::string& text, std::string& error) {
-    std::string temporary = path + ".new";
-    {
-        std::ofstream out(temporary, std::ios::binary | std::ios::trunc);
-        out << text;
-        if (!out.flush()) {
-            error = "cannot write " + temporary;
-            return false;
-        }
-    }
-    std::error_code ec;
-    fs::rename(temporary, path, ec);
-    if (!ec) return true;
-    error = "cannot write " + path + ": " + ec.message();
-    fs::remove(temporary, ec);
-    return false;
-}
-
 int usage(std::ostream& err) {
     err << "usage: qbrefactor config [--file compilers.xml] list\n"
            "       qbrefactor config [--file compilers.xml] show NAME\n"
@@ -246,7 +228,7 @@ bool installCompiler(ConfigSession& session, const CompilerInfo& info, const std
     std::string header = (fs::path(dir) / (info.configName + ".h")).string();
     std::error_code ec;
     fs::create_directories(dir, ec);
-    if (!writeFileWhole(header, compilerHeaderText(info), error)) return false;
+    if (!writeFileAtomically(header, compilerHeaderText(info), error)) return false;
     session.engine.remove(info.configName.c_str());
     int rc = session.engine.add(info.configName.c_str(), header.c_str(),
                                 joined(info.includeDirs).c_str());
@@ -302,6 +284,24 @@ std::string programDirectory() {
 
 }  // namespace
 
+bool writeFileAtomically(const std::string& path, const std::string& text, std::string& error) {
+    std::string temporary = path + ".new";
+    {
+        std::ofstream out(temporary, std::ios::binary | std::ios::trunc);
+        out << text;
+        if (!out.flush()) {
+            error = "cannot write " + temporary;
+            return false;
+        }
+    }
+    std::error_code ec;
+    fs::rename(temporary, path, ec);
+    if (!ec) return true;
+    error = "cannot write " + path + ": " + ec.message();
+    fs::remove(temporary, ec);
+    return false;
+}
+
 std::string engineModulePath() {
     const char* given = std::getenv("QBREFACTOR_MODULE");
     if (given && *given) return given;
@@ -333,18 +333,39 @@ bool listConfigurationNames(const std::string& xmlPath, std::vector<std::string>
 
 bool readConfiguration(const std::string& xmlPath, const std::string& name,
                        ConfigurationValues& values, std::string& error) {
+    std::vector<ConfigurationValues> all;
+    if (!readConfigurations(xmlPath, all, error)) return false;
+    for (const ConfigurationValues& each : all) {
+        if (each.name != name) continue;
+        values = each;
+        return true;
+    }
+    error = "no C or C++ configuration named '" + name + "' in " + xmlPath;
+    return false;
+}
+
+bool readConfigurations(const std::string& xmlPath, std::vector<ConfigurationValues>& values,
+                        std::string& error) {
+    values.clear();
     ConfigSession session(xmlPath);
     if (!session.open(error)) return false;
     Engine& e = session.engine;
-    int index = session.indexOf(name);
-    if (index < 0 || session.text(e.getType, index) != "cpp") {
-        error = "no C or C++ configuration named '" + name + "' in " + xmlPath;
-        return false;
+    for (int i = 0, n = e.count(); i < n; ++i) {
+        if (session.text(e.getType, i) != "cpp") continue;
+        ConfigurationValues each;
+        each.name = session.text(e.getName, i);
+        each.header = session.text(e.getHeader, each.name);
+        each.includes = session.list(e.countIncludes, e.getInclude, each.name);
+        values.push_back(each);
     }
-    values.name = name;
-    values.header = session.text(e.getHeader, name);
-    values.includes = session.list(e.countIncludes, e.getInclude, name);
     return true;
+}
+
+int detectConfigurations(const std::string& xmlPath, std::ostream& out, std::ostream& err) {
+    ConfigSession session(xmlPath);
+    std::string error;
+    if (!session.open(error)) return fail(err, error);
+    return detectCommand(session, xmlPath, {}, out, err);
 }
 
 int runConfigCommand(int argc, char** argv, std::ostream& out, std::ostream& err) {

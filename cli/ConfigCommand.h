@@ -16,6 +16,8 @@ namespace qbcli {
 std::string engineModulePath();
 // Where compilers.xml lives for this user.
 std::string configurationFilePath();
+// Writes path whole, through a new file renamed over it, so that no reader sees half of it.
+bool writeFileAtomically(const std::string& path, const std::string& text, std::string& error);
 
 // One C or C++ configuration as the parse command needs it.
 struct ConfigurationValues {
@@ -30,6 +32,12 @@ bool listConfigurationNames(const std::string& xmlPath, std::vector<std::string>
 // Reads the named C or C++ configuration; false with error when it is absent or unreadable.
 bool readConfiguration(const std::string& xmlPath, const std::string& name,
                        ConfigurationValues& values, std::string& error);
+// Every C or C++ configuration of xmlPath, in its order (none when the file does not exist).
+bool readConfigurations(const std::string& xmlPath, std::vector<ConfigurationValues>& values,
+                        std::string& error);
+// `qbrefactor config detect` on xmlPath: the usual compilers, each that is installed becomes a
+// configuration with its header beside xmlPath. Gives the command's exit status.
+int detectConfigurations(const std::string& xmlPath, std::ostream& out, std::ostream& err);
 
 // argv[0] is the word "config"; the rest are its arguments. Gives the exit status: 0 done,
 // 1 failed, 2 bad usage.

@@ -1,9 +1,12 @@
-# `qbrefactor config` and the compiler and compile_commands.json readers behind it, as a library
-# of their own so that tests can link them without the program's main.
+# `qbrefactor config`, the compiler and compile_commands.json readers behind it, and the setup of
+# each parsed file, as a library of their own so that tests can link them without the program's
+# main.
 set(QB_CLI_CONFIG_SOURCES
     ${CMAKE_CURRENT_LIST_DIR}/ConfigCommand.cpp
     ${CMAKE_CURRENT_LIST_DIR}/CompilerDetect.cpp
-    ${CMAKE_CURRENT_LIST_DIR}/CompileCommands.cpp)
+    ${CMAKE_CURRENT_LIST_DIR}/CompileCommands.cpp
+    ${CMAKE_CURRENT_LIST_DIR}/FileSetup.cpp
+    ${CMAKE_CURRENT_LIST_DIR}/FileSetOptions.cpp)
 list(REMOVE_ITEM CLI_SOURCES ${QB_CLI_CONFIG_SOURCES})
 
 add_library(qbrefactor_config STATIC ${QB_CLI_CONFIG_SOURCES})

@@ -1,5 +1,6 @@
-// The options that describe a set of files for a transaction: include folders, definitions and
-// the files themselves, as a compiler takes them.
+// The options of every command that parses a set of files: how each file is configured (a
+// compiler configuration, a compilation database, compiler options as gcc takes them) and how
+// the run behaves.
 #pragma once
 
 #include <string>
@@ -8,23 +9,24 @@
 namespace cli {
 
 struct FileSetOptions {
-    std::vector<std::string> userIncludes;
-    std::vector<std::string> systemIncludes;
-    std::vector<std::string> defines;  // "-DNAME=value" and "-UNAME"
+    // -I, -iquote, -isystem, -idirafter, -D, -U, -include, -x, -std=, -ansi: as written, in
+    // order, each option with its value in one or two arguments as given.
+    std::vector<std::string> compilerArguments;
+    std::string configName;       // --config NAME; empty for the file's default
+    bool noConfig = false;        // --no-config: the engine's one mode, nothing predefined
+    std::string compileCommands;  // -p DIR (or the file itself)
     std::vector<std::string> files;
     bool keepGoing = false;
     bool verbose = false;
     bool lineMarkers = false;
     bool help = false;
-
-    // The engine's forms: ';'-separated folders, blank-separated options.
-    std::string userIncludePath() const;
-    std::string systemIncludePath() const;
-    std::string defineOptions() const;
 };
 
 // Reads argv from index first; gives false with a message in error for a bad option.
 bool parseFileSetOptions(int argc, char** argv, int first, FileSetOptions& out,
                          std::string& error);
+
+// The lines of a command's usage that tell the options above, for --help.
+const char* fileSetOptionsUsage();
 
 }  // namespace cli

@@ -56,7 +56,7 @@ int onLocateFile(void*, int, const QBArgRecord*) { return 0; }
 
 int onShowErrors(void*, int argc, const QBArgRecord* args) {
     std::string file = textArg(argc, args, 1);
-    printFileErrors(int(intArg(argc, args, 0)), file);
+    if (options.showErrors) printFileErrors(int(intArg(argc, args, 0)), file);
     shown.insert(file);
     return 0;
 }

@@ -9,6 +9,7 @@ namespace cli {
 struct CallbackOptions {
     bool keepGoing = false;  // answer "skip" when a file fails
     bool verbose = false;    // print the engine's messages and each file's name
+    bool showErrors = true;  // print a file's messages when the engine asks to show them
 };
 
 // Registers refactor_message, refactor_progress, refactor_file_message, refactor_locate_file,

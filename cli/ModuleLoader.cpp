@@ -23,12 +23,18 @@ std::string modulePath() {
     return programFolder() + "../lib/libqbrefactor.so";
 }
 
+// QBROOT names the message file's folder only while the module and the host's texts load: the
+// engine also reads it as the root that compilers.xml and its headers are relative to, and a
+// folder of the build must not become that.
 bool loadEngine() {
     const char* root = std::getenv("QBROOT");
-    if (!root || !*root) setenv("QBROOT", (programFolder() + "../share/qbrefactor/").c_str(), 1);
+    bool borrowed = !root || !*root;
+    if (borrowed) setenv("QBROOT", (programFolder() + "../share/qbrefactor/").c_str(), 1);
     std::string path = modulePath();
     int registered = 0;
     int module = qbHostLoadModule(path.c_str(), &registered);
+    qbHostMessageText(0);
+    if (borrowed) unsetenv("QBROOT");
     if (module < 1) {
         std::fprintf(stderr, "qbrefactor: cannot load the engine %s: %s\n", path.c_str(),
                      qbHostLastLoadError());

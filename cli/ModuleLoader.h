@@ -9,8 +9,8 @@ namespace cli {
 std::string programFolder();
 // $QBREFACTOR_MODULE, else ../lib/libqbrefactor.so beside the program's folder.
 std::string modulePath();
-// Sets QBROOT to the built message file's folder unless the caller set it, then loads and
-// registers the module. Prints why on failure and returns false.
+// Loads and registers the module, with the built message file's folder as QBROOT unless the
+// caller set it (for the load only). Prints why on failure and returns false.
 bool loadEngine();
 
 }  // namespace cli

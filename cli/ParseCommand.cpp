@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "EngineCalls.h"
-#include "FileSetOptions.h"
+#include "FileSetRun.h"
 #include "HostCallbacks.h"
 #include "ModuleLoader.h"
 #include "qbapi_host.h"
@@ -15,93 +15,16 @@ namespace cli {
 
 namespace {
 
-const int FILE_HAS_ERRORS = -7516;
-
 void usage(const char* command) {
-    std::printf(
-        "usage: qbrefactor %s [options] FILE...\n"
-        "  -I DIR            add a folder to the user include path\n"
-        "  -isystem DIR      add a folder to the system include path\n"
-        "  -D NAME[=VALUE]   define a macro\n"
-        "  -U NAME           undefine a macro\n"
-        "  -k, --keep-going  go on with the other files after a file fails\n"
-        "  -v, --verbose     print each file and the engine's progress messages\n"
-        "%s",
-        command,
-        std::string(command) == "preprocess"
-            ? "  --line-markers    mark where each line came from\n"
-              "  --tree            print each file's source tree instead (nothing is run)\n"
-              "  --emit-source     write the text of each file's source tree (the file's bytes)\n"
-              "  --roundtrip       name each file whose source tree's text differs from it\n"
-            : "  --emit            write each file's text as the parse keeps it (it must be\n"
-              "                    the file's bytes); messages go to stderr\n");
+    std::printf("usage: qbrefactor %s [options] FILE...\n%s%s", command, fileSetOptionsUsage(),
+                std::string(command) == "preprocess"
+                    ? "  --line-markers    mark where each line came from\n"
+                      "  --tree            print each file's source tree instead (nothing is run)\n"
+                      "  --emit-source     write the text of each file's source tree (the file's bytes)\n"
+                      "  --roundtrip       name each file whose source tree's text differs from it\n"
+                    : "  --emit            write each file's text as the parse keeps it (it must be\n"
+                      "                    the file's bytes); messages go to stderr\n");
 }
-
-int addFiles(int t, const FileSetOptions& o) {
-    int failures = 0;
-    std::string user = o.userIncludePath(), system = o.systemIncludePath();
-    std::string defines = o.defineOptions();
-    for (const std::string& file : o.files) {
-        int rc = engineCall("refactor_add_file",
-                            {qbArgInt(t), qbArgString(file.c_str()), qbArgString(user.c_str()),
-                             qbArgString(system.c_str()), qbArgString(defines.c_str()),
-                             qbArgString("")});
-        if (rc < 0) {
-            reportStatus(file, rc);
-            ++failures;
-        }
-    }
-    return failures;
-}
-
-// Errors the engine didn't ask to show while it ran; gives the total count.
-int printRemainingErrors(int t) {
-    int files = engineCall("refactor_count_error_files", {qbArgInt(t)});
-    for (int i = 0; i < files; ++i) {
-        std::string name = engineString("refactor_get_error_file_name", {qbArgInt(t), qbArgInt(i)});
-        if (!shownFiles().count(name)) printFileErrors(t, name);
-    }
-    return engineCall("refactor_count_errors", {qbArgInt(t), qbArgString("")});
-}
-
-int finish(int t, int status) {
-    endProgress();
-    int errors = printRemainingErrors(t);
-    if (stoppedAtFailure())
-        std::fprintf(stderr, "qbrefactor: stopped at the first file with errors "
-                             "(--keep-going goes on)\n");
-    else if (status < 0 && status != FILE_HAS_ERRORS)
-        reportStatus("stopped", status);
-    engineCall("refactor_cancel_transaction", {qbArgInt(t)});
-    return errors > 0 || status < 0 ? 1 : 0;
-}
-
-// The options, with the usage for a bad one or --help: 0, -1 for an error, -2 for help.
-int readOptions(const char* command, int argc, char** argv, FileSetOptions& o) {
-    std::string error;
-    if (!parseFileSetOptions(argc, argv, 1, o, error)) {
-        std::fprintf(stderr, "qbrefactor %s: %s\n", command, error.c_str());
-        usage(command);
-        return -1;
-    }
-    if (o.help) {
-        usage(command);
-        return -2;
-    }
-    return 0;
-}
-
-// Shared by both commands: options, module, callbacks, transaction and files.
-int openFileSet(const char* command, int argc, char** argv, FileSetOptions& o) {
-    if (int rc = readOptions(command, argc, argv, o)) return rc;
-    if (!loadEngine()) return -1;
-    registerCallbacks(CallbackOptions{o.keepGoing, o.verbose});
-    int t = engineCall("refactor_begin_transaction", {});
-    if (t < 0) reportStatus("begin", t);
-    return t;
-}
-
-int exitFor(int openStatus) { return openStatus == -2 ? 0 : 2; }
 
 typedef int (*ParsedTextFunction)(int handle, const char* fileName, char* buffer, int size);
 
@@ -214,11 +137,17 @@ int roundTripSources(SourceFileFunction read, const std::vector<std::string>& fi
     return differ || failed ? 1 : 0;
 }
 
-// The source trees of files on their own: no transaction, and include folders and definitions
-// are accepted but unused, since reading a tree opens no include.
+// The source trees of files on their own: no transaction, and configurations, include folders
+// and definitions are accepted but unused, since reading a tree opens no include.
 int runSourceTrees(int argc, char** argv, int mode) {
     FileSetOptions o;
-    if (int rc = readOptions("preprocess", argc, argv, o)) return exitFor(rc);
+    std::string error;
+    if (!parseFileSetOptions(argc, argv, 1, o, error)) {
+        std::fprintf(stderr, "qbrefactor preprocess: %s\n", error.c_str());
+        usage("preprocess");
+        return 2;
+    }
+    if (o.help) return usage("preprocess"), 0;
     if (!loadEngine()) return 2;
     auto read = reinterpret_cast<SourceFileFunction>(
         qbHostModuleSymbol(1, "qbRefactorPreprocessorSourceFile"));
@@ -234,21 +163,21 @@ int runSourceTrees(int argc, char** argv, int mode) {
 }  // namespace
 
 int runParseCommand(int argc, char** argv) {
-    FileSetOptions o;
     bool emit = takeFlag(argc, argv, "--emit");
-    int t = openFileSet("parse", argc, argv, o);
-    if (t < 0) return exitFor(t);
-    int failures = addFiles(t, o);
+    FileSetRun run("parse", usage);
+    if (int rc = run.open(argc, argv); rc != FileSetRun::OPENED) return rc;
+    int failures = run.addFiles();
+    int t = run.transaction();
     if (emit) {
         // Only a file that gave no text fails: the messages are for the reader.
-        failures += emitFiles(t, o);
-        finish(t, 0);
+        failures += emitFiles(t, run.options());
+        run.finish(0);
         return failures ? 1 : 0;
     }
     int status = engineCall("refactor_c_parse", {qbArgInt(t), qbArgInt(0)});
-    int rc = finish(t, status);
-    if (rc == 0 && failures == 0 && o.verbose)
-        std::fprintf(stderr, "qbrefactor: %zu file(s) parsed\n", o.files.size());
+    int rc = run.finish(status);
+    if (rc == 0 && failures == 0 && run.options().verbose)
+        std::fprintf(stderr, "qbrefactor: %zu file(s) parsed\n", run.options().files.size());
     return failures ? 1 : rc;
 }
 
@@ -261,20 +190,20 @@ int runPreprocessCommand(int argc, char** argv) {
         return 2;
     }
     if (mode != SOURCE_NONE) return runSourceTrees(argc, argv, mode);
-    FileSetOptions o;
-    int t = openFileSet("preprocess", argc, argv, o);
-    if (t < 0) return exitFor(t);
-    int failures = addFiles(t, o);
+    FileSetRun run("preprocess", usage);
+    if (int rc = run.open(argc, argv); rc != FileSetRun::OPENED) return rc;
+    int failures = run.addFiles();
     int wid = qbHostWindowCreate("");
     int status = engineCall("refactor_c_preprocess",
-                            {qbArgInt(t), qbArgInt(wid), qbArgInt(o.lineMarkers ? 1 : 0)});
+                            {qbArgInt(run.transaction()), qbArgInt(wid),
+                             qbArgInt(run.options().lineMarkers ? 1 : 0)});
     size_t length = 0;
     const char* text = qbHostWindowText(wid, &length);
     endProgress();
     if (text) std::fwrite(text, 1, length, stdout);
     std::fflush(stdout);
     qbHostWindowDestroy(wid);
-    int rc = finish(t, status);
+    int rc = run.finish(status);
     return failures ? 1 : rc;
 }
 

@@ -1,6 +1,7 @@
 // The trees of a parsed file for people and tools: the compilation unit printed, the messages,
 // and the text a refactoring would store after parsing (the source tree's text), so that anyone
-// can check that parsing changes no byte. Both entries go through the parser driver.
+// can check that parsing changes no byte. Both entries parse a file of a transaction, with the
+// include folders, definitions and configuration it was added with.
 #include <cstring>
 
 #include "CPParseTree.h"
@@ -31,38 +32,44 @@ bool sourceTextEquals(CPParser& parser, const QBString& text) {
            (text.length() == 0 || std::memcmp(text.get(), source->begin, text.length()) == 0);
 }
 
+// The parser of a file of a transaction, parsed; null with status -7502 for no transaction,
+// -2 for a file that isn't in it, else status is the parse's.
+CPParser* parsedFile(int handle, const char* fileName, int& status) {
+    QBRefactorTransaction* t = findTransaction(handle);
+    status = t ? QBR_ERR_FILE_NOT_FOUND : QBR_ERR_NO_TRANSACTION;
+    int index = -1;
+    CPParser* parser = t ? t->findParser(QBString(fileName), index) : nullptr;
+    if (parser) status = parseFile(t, parser, false);
+    return parser;
+}
+
 }  // namespace
 
-// Parses a file on its own (no include paths) and prints its tree through qbRefactorOutput
-// (options 0), or compares the source tree's text with the file (1: bit 0 set when they differ,
-// bit 1 when the parse logged errors), or prints the messages (2). A file that can't be read
-// gives its status.
-QBREFACTOR_EXPORT int qbRefactorTreeFile(const char* fileName, int options) {
-    CPParser* parser = new (std::nothrow) CPParser;
-    if (!parser) return QBR_ERR_NO_MEMORY;
-    int status = parser->parse(QBString(fileName));
-    int rc = status;
-    if (parser->getSourceTree()) {
-        QBString out("");
-        bool errors = status < 0;
-        if (options == TREE_ROUNDTRIP) {
-            parser->getSourceTree()->getText(out);
-            rc = (sourceTextEquals(*parser, out) ? 0 : 1) + (errors ? 2 : 0);
-        } else {
-            if (options == TREE_ERRORS) {
-                parser->collectAllErrors();
-                quernbase::QBArray<QBString> texts;
-                parser->getErrorTexts(texts);
-                for (const QBString& text : texts) out.append(text), out.append('\n');
-            } else if (parser->getRoot()) {
-                parser->getRoot()->printToString(out, 0, false);
-            }
-            flush(out);
-            rc = errors ? 1 : 0;
-        }
+// Parses a file of a transaction with the options it was added with, and prints its tree
+// through qbRefactorOutput (options 0), or compares the source tree's text with the file (1:
+// bit 0 set when they differ, bit 1 when the parse logged errors), or prints the messages (2).
+// -7502 for no transaction, -2 for a file that isn't in it; a file that can't be read gives its
+// status.
+QBREFACTOR_EXPORT int qbRefactorTreeOfFile(int handle, const char* fileName, int options) {
+    int status;
+    CPParser* parser = parsedFile(handle, fileName, status);
+    if (!parser || !parser->getSourceTree()) return status;
+    if (parser->collectAllErrors() < 0) return QBR_ERR_NO_MEMORY;
+    QBString out("");
+    bool errors = parser->getErrorCount() > 0;
+    if (options == TREE_ROUNDTRIP) {
+        parser->getSourceTree()->getText(out);
+        return (sourceTextEquals(*parser, out) ? 0 : 1) + (errors ? 2 : 0);
     }
-    delete parser;
-    return rc;
+    if (options == TREE_ERRORS) {
+        quernbase::QBArray<QBString> texts;
+        parser->getErrorTexts(texts);
+        for (const QBString& text : texts) out.append(text), out.append('\n');
+    } else if (parser->getRoot()) {
+        parser->getRoot()->printToString(out, 0, false);
+    }
+    flush(out);
+    return errors ? 1 : 0;
 }
 
 // Parses a file of a transaction (its messages go to the transaction's error store) and copies
@@ -71,12 +78,9 @@ QBREFACTOR_EXPORT int qbRefactorTreeFile(const char* fileName, int options) {
 // file that isn't in it, or the parse's status when no text came of it.
 QBREFACTOR_EXPORT int qbRefactorParsedFileText(int handle, const char* fileName, char* buffer,
                                                int size) {
-    QBRefactorTransaction* t = findTransaction(handle);
-    if (!t) return QBR_ERR_NO_TRANSACTION;
-    int index = -1;
-    CPParser* parser = t->findParser(QBString(fileName), index);
-    if (!parser) return QBR_ERR_FILE_NOT_FOUND;
-    int status = parseFile(t, parser, false);
+    int status;
+    CPParser* parser = parsedFile(handle, fileName, status);
+    if (!parser) return status;
     CPPreprocessorUnit* tree = parser->getSourceTree();
     if (!tree) return status < 0 ? status : QBR_ERR_NO_PARSER;
     QBString text("");

@@ -29,18 +29,24 @@ TEST(ConfigCompileCommands, OptionsInEverySpelling) {
     CompileOptions o = optionsFromArguments(
         {"cc", "-Iinc", "-I", "/abs", "-iquote", "q", "-isystem", "sys", "-isystem/abs/sys",
          "-idirafter", "late", "-DA", "-D", "B=2", "-UA", "-DC=x y", "-include", "pre.h",
-         "--include=post.h", "--include-directory=ignored", "-O2", "-o", "out.o", "-c", "src/f.c"},
+         "--include=post.h", "--include-directory=ignored", "-O2", "-o", "out.o", "-std=c99",
+         "-x", "c++", "-c", "src/f.c"},
         "/proj/build", "../src/f.c");
     EXPECT_EQ(o.file, "/proj/src/f.c");
     EXPECT_EQ(o.directory, "/proj/build");
     EXPECT_EQ(o.userIncludes, (Strings{"/proj/build/inc", "/abs", "/proj/build/q"}));
-    EXPECT_EQ(o.systemIncludes, (Strings{"/proj/build/sys", "/abs/sys", "/proj/build/late"}));
+    EXPECT_EQ(o.systemIncludes, (Strings{"/proj/build/sys", "/abs/sys"}));
+    EXPECT_EQ(o.afterIncludes, Strings{"/proj/build/late"});
     EXPECT_EQ(o.macroOptions, (Strings{"-DA", "-DB=2", "-UA", "-DC=x y"}));
     EXPECT_EQ(o.forcedIncludes, (Strings{"/proj/build/pre.h", "/proj/build/post.h"}));
-    AddFileArguments a = toAddFileArguments(o);
-    EXPECT_EQ(a.userIncludePath, "/proj/build/inc;/abs;/proj/build/q");
-    EXPECT_EQ(a.systemIncludePath, "/proj/build/sys;/abs/sys;/proj/build/late");
-    EXPECT_EQ(a.defineOptions, "-DA -DB=2 -UA \"-DC=x y\"");
+    EXPECT_EQ(o.standard, "-std=c99");
+    EXPECT_EQ(o.language, "c++");
+    CompileOptions later = optionsFromArguments({"cc", "-xc-header", "-ansi", "-Ilater"}, "/p", "f.c");
+    o.append(later);
+    EXPECT_EQ(o.language, "c");
+    EXPECT_EQ(o.standard, "-ansi");
+    EXPECT_EQ(o.userIncludes.back(), "/p/later");
+    EXPECT_EQ(o.file, "/proj/src/f.c") << "appending keeps the file";
 }
 
 TEST(ConfigCompileCommands, BadDatabasesAreRefused) {
@@ -102,7 +108,6 @@ TEST(ConfigCompileCommands, EachFileOfACMakeProjectGetsItsOwnOptions) {
     EXPECT_EQ(app->systemIncludes, (Strings{src + "/third_party"}));
     EXPECT_EQ(app->macroOptions, (Strings{"-DAPP_ONLY", "-UNDEBUG"}));
     EXPECT_EQ(app->forcedIncludes, (Strings{src + "/app/pre.h"}));
-    EXPECT_EQ(toAddFileArguments(*core).defineOptions, "-DCORE_ONLY=1 \"-DSPACED=a b\"");
 
     std::filesystem::create_directory_symlink(src, scratch.file("link"));
     EXPECT_EQ(findCompileOptions(entries, scratch.file("link/core/core.c")), core);

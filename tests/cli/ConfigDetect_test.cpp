@@ -9,6 +9,7 @@
 #include "../host/support/ConfigTestSupport.h"
 #include "CompilerDetect.h"
 #include "ConfigCommand.h"
+#include "support/CliRunner.h"
 
 using configtest::fileExists;
 using configtest::readFile;
@@ -18,17 +19,6 @@ using configtest::writeFile;
 using namespace qbcli;
 
 namespace {
-
-std::string shell(const std::string& command) {
-    std::string output;
-    FILE* pipe = popen(command.c_str(), "r");
-    if (!pipe) return output;
-    char chunk[4096];
-    size_t n;
-    while ((n = fread(chunk, 1, sizeof chunk, pipe)) > 0) output.append(chunk, n);
-    pclose(pipe);
-    return output;
-}
 
 std::vector<std::string> lines(const std::string& text) {
     std::vector<std::string> out;
@@ -43,11 +33,11 @@ std::string modeOf(const std::string& compiler) {
 
 // Asked the compiler directly, through the shell, in the mode detection uses.
 std::vector<std::string> reportedMacros(const std::string& compiler) {
-    return lines(shell(compiler + " " + modeOf(compiler) + " -dM -E /dev/null"));
+    return lines(shellOutput(compiler + " " + modeOf(compiler) + " -dM -E /dev/null"));
 }
 
 std::vector<std::string> reportedIncludes(const std::string& compiler) {
-    return lines(shell("LC_ALL=C " + compiler + " " + modeOf(compiler) +
+    return lines(shellOutput("LC_ALL=C " + compiler + " " + modeOf(compiler) +
                        " -E -v /dev/null 2>&1 >/dev/null | sed -n "
                        "'/^#include <...> search starts here:/,/^End of search list./p' | "
                        "sed '1d;$d;s/^ //'"));
@@ -143,7 +133,7 @@ TEST_F(ConfigDetect, EachInstalledCompilerBecomesAConfiguration) {
         // Everything else defined is the compatibility block, which never redefines the
         // compiler's own macros.
         std::set<std::string> ownSet;
-        for (const std::string& n : definedNames(shell(compiler + " " + modeOf(compiler) + " -dM -E /dev/null")))
+        for (const std::string& n : definedNames(shellOutput(compiler + " " + modeOf(compiler) + " -dM -E /dev/null")))
             ownSet.insert(n);
         std::set<std::string> extra;
         for (const std::string& n : definedNames(readFile(values.header)))
@@ -174,8 +164,8 @@ TEST_F(ConfigDetect, FloatTypesAreDefinedOnlyWhereTheCompilerHasThem) {
     };
     // What the compiler accepts in that mode decides, as the library headers do.
     for (const char* type : {"_Float32", "_Float64", "_Float128"}) {
-        bool cAccepts = shell(std::string("echo '") + type + " x;' | gcc -x c -fsyntax-only - 2>&1").empty();
-        bool cxxAccepts = shell(std::string("echo '") + type +
+        bool cAccepts = shellOutput(std::string("echo '") + type + " x;' | gcc -x c -fsyntax-only - 2>&1").empty();
+        bool cxxAccepts = shellOutput(std::string("echo '") + type +
                                 " x;' | g++ -x c++ -std=gnu++98 -fsyntax-only - 2>&1").empty();
         EXPECT_EQ(defines(c, type), cAccepts) << type;
         EXPECT_EQ(defines(cxx, type), cxxAccepts) << type;
@@ -185,7 +175,7 @@ TEST_F(ConfigDetect, FloatTypesAreDefinedOnlyWhereTheCompilerHasThem) {
     writeFile(header, compilerHeaderText(cxx));
     std::string includes;
     for (const std::string& dir : cxx.includeDirs) includes += " -isystem " + dir;
-    std::string result = shell("printf '#include <stdio.h>\\n#include <vector>\\n' | g++ -x c++ "
+    std::string result = shellOutput("printf '#include <stdio.h>\\n#include <vector>\\n' | g++ -x c++ "
                                "-std=gnu++98 -E -undef -nostdinc" + includes + " -include " +
                                header + " - >/dev/null 2>&1 && echo ok");
     EXPECT_EQ(result, "ok\n");

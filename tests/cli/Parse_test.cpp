@@ -31,16 +31,15 @@ std::string writeTemp(const std::string& name, const std::string& text) {
 }  // namespace
 
 TEST(ParseCli, EmitGivesBackEveryByteOfEachFile) {
-    std::string file = examples + "src/main.cpp";
-    Outcome o = runCli("parse --emit -I " + examples + "include -isystem " + examples +
-                       "sysinclude " + file);
+    std::string file = examples + "src/geometry.c";
+    Outcome o = runCli("parse --emit -I " + examples + "include " + file);
     EXPECT_EQ(o.exitCode, 0) << o.output;
     EXPECT_EQ(o.output, readAll(file));
     // Unfound headers, macros and inactive code are all kept as written.
     std::string odd = writeTemp("odd.c",
                                 "#include <nowhere.h>\r\n#define M(x) x +\\\n 1\n#if 0\n'unbalanced\n"
                                 "#endif\nint y = M(2); /* end */");
-    Outcome kept = runCli("parse --emit " + odd);
+    Outcome kept = runCli("parse --emit --no-config " + odd);
     EXPECT_EQ(kept.exitCode, 0);
     EXPECT_TRUE(contains(kept.output, readAll(odd))) << kept.output;
     EXPECT_TRUE(contains(kept.output, "odd.c:1:10: error: Cannot find include file 'nowhere.h'"))
@@ -57,15 +56,20 @@ TEST(ParseCli, ErrorsComeAsFileLineColumn) {
     std::remove(bad.c_str());
 }
 
-TEST(ParseCli, PredefinedMacrosAndSystemFoldersAsAHarnessPassesThem) {
+TEST(ParseCli, WithoutAConfigurationNothingIsPredefined) {
     std::string file = writeTemp("cfg.c",
-                                 "#include <math.h>\n#if __STDC_VERSION__ >= 201112L && defined(__x86_64__)\n"
-                                 "int modern;\n#else\nint old;\n#endif\n");
-    Outcome o = runCli("preprocess -D __STDC_VERSION__=201710L -D __x86_64__=1 -isystem " +
-                       examples + "sysinclude " + file);
-    EXPECT_EQ(o.exitCode, 0) << o.output;
-    EXPECT_TRUE(contains(o.output, "double sqrt(double x);")) << o.output;
-    EXPECT_TRUE(contains(o.output, "int modern;")) << o.output;
-    EXPECT_FALSE(contains(o.output, "int old;")) << o.output;
+                                 "#include <math.h>\n#if defined(__GNUC__) || defined(__x86_64__)\n"
+                                 "int gnu;\n#else\nint plain;\n#endif\n");
+    Outcome none = runCli("preprocess --no-config " + file);
+    EXPECT_EQ(none.exitCode, 1) << none.output;
+    EXPECT_TRUE(contains(none.output, "Cannot find include file 'math.h'")) << none.output;
+    EXPECT_TRUE(contains(none.output, "int plain;")) << none.output;
+    Outcome given = runCli("preprocess --no-config -D __x86_64__=1 -isystem " + examples +
+                           "include " + file);
+    EXPECT_TRUE(contains(given.output, "int gnu;")) << given.output;
+    Outcome detected = runCli("preprocess " + file);
+    EXPECT_EQ(detected.exitCode, 0) << detected.output;
+    EXPECT_TRUE(contains(detected.output, "sqrt")) << detected.output;
+    EXPECT_TRUE(contains(detected.output, "int gnu;")) << detected.output;
     std::remove(file.c_str());
 }
