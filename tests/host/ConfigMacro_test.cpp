@@ -2,6 +2,7 @@
 // variables for their out arguments, in the loaded module.
 #include <gtest/gtest.h>
 
+#include <cstdlib>
 #include <string>
 #include <vector>
 
@@ -28,8 +29,11 @@ std::string stringOut(const char* command, std::vector<QBArgRecord> args, int* r
 
 class ConfigMacro : public ::testing::Test {
 protected:
+    // Loading sets QBROOT for the message file; it must be loaded before each test unsets it,
+    // or a header would be stored relative to the build's message folder.
+    static void SetUpTestSuite() { testhost::loadModule(); }
     void SetUp() override {
-        testhost::loadModule();
+        ASSERT_EQ(std::getenv("QBROOT"), nullptr);
         ASSERT_EQ(run("refactor_config_open", {qbArgString(xml.c_str())}),
                   QBXML_ERR_FILE_NOT_FOUND);
     }
@@ -60,6 +64,8 @@ TEST_F(ConfigMacro, AddTwiceKeepsThreeIncludesInMemoryAndTwoInTheFile) {
     ASSERT_EQ(run("refactor_config_open", {qbArgString(xml.c_str())}), 0);
     EXPECT_EQ(includes("x"), (std::vector<std::string>{"a", "b"}));
     EXPECT_EQ(stringOut("refactor_config_get_header", {qbArgString("x")}), "/h/x.h");
+    EXPECT_NE(testhost::readFile(xml).find("Header=\"/h/x.h\""), std::string::npos)
+        << testhost::readFile(xml);
 }
 
 TEST_F(ConfigMacro, MacroFormsCutTextsAt1023Characters) {
