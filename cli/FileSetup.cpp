@@ -197,7 +197,8 @@ std::string FileSetup::headerFor(const Configuration& config, const std::string&
     if (std::find(mode.begin(), mode.end(), standard) != mode.end()) return config.header;
     std::string& header = modeHeaders[config.name + " " + standard];
     if (header.empty()) header = makeModeHeader(config, standard);
-    return header.empty() ? config.header : header;
+    if (header.empty()) header = config.header;  // a failed ask is kept too, so it is asked once
+    return header;
 }
 
 // The configuration's compiler asked in another mode, kept beside the configuration's header.
