@@ -75,8 +75,8 @@ std::string describe(int status) {
 
 std::string failure(const std::string& what, int status) {
     std::string text = what + ": " + describe(status) + " (status " + std::to_string(status) + ")";
-    std::string detail = status == QBXML_ERR_NOT_FOUND ? "it has no Compilers element"
-                                                       : qbXMLCFGLastErrorDetail();
+    std::string detail = status == qbmsg::NotInList ? "it has no Compilers element"
+                                                    : qbXMLCFGLastErrorDetail();
     return detail.empty() ? text : text + ": " + detail;
 }
 
@@ -93,7 +93,7 @@ public:
         if (!loadEngine(engine, error)) return false;
         opened = true;
         int rc = engine.open(xmlPath.c_str());
-        if (rc >= 0 || rc == QBXML_ERR_FILE_NOT_FOUND) return true;
+        if (rc >= 0 || rc == qbmsg::FileNotFound) return true;
         error = failure("cannot use " + xmlPath, rc);
         return false;
     }

@@ -8,7 +8,7 @@
 #include "CPPreprocessorNodes.h"
 #include "QBRefactorExport.h"
 #include "QBRefactorParseDriver.h"
-#include "QBRefactorStatus.h"
+#include "QBMessageCodes.h"
 #include "QBRefactorTransaction.h"
 
 using quernbase::QBString;
@@ -39,7 +39,7 @@ bool sourceTextEquals(CPParser& parser, const QBString& text) {
 // gives its status.
 QBREFACTOR_EXPORT int qbRefactorTreeFile(const char* fileName, int options) {
     CPParser* parser = new (std::nothrow) CPParser;
-    if (!parser) return QBR_ERR_NO_MEMORY;
+    if (!parser) return qbmsg::OutOfMemory;
     int status = parser->parse(QBString(fileName));
     int rc = status;
     if (parser->getSourceTree()) {
@@ -67,20 +67,20 @@ QBREFACTOR_EXPORT int qbRefactorTreeFile(const char* fileName, int options) {
 
 // Parses a file of a transaction (its messages go to the transaction's error store) and copies
 // its source tree's text into buffer. Gives the text's length, which may exceed size: then call
-// again with a larger buffer (the parse is kept for that). -7502 for no transaction, -2 for a
-// file that isn't in it, or the parse's status when no text came of it.
+// again with a larger buffer (the parse is kept for that). NoTransaction, FileNotFound for
+// a file that isn't in it, or the parse's status when no text came of it.
 QBREFACTOR_EXPORT int qbRefactorParsedFileText(int handle, const char* fileName, char* buffer,
                                                int size) {
     QBRefactorTransaction* t = findTransaction(handle);
-    if (!t) return QBR_ERR_NO_TRANSACTION;
+    if (!t) return qbmsg::NoTransaction;
     int index = -1;
     CPParser* parser = t->findParser(QBString(fileName), index);
-    if (!parser) return QBR_ERR_FILE_NOT_FOUND;
+    if (!parser) return qbmsg::FileNotFound;
     int status = parseFile(t, parser, false);
     CPPreprocessorUnit* tree = parser->getSourceTree();
-    if (!tree) return status < 0 ? status : QBR_ERR_NO_PARSER;
+    if (!tree) return status < 0 ? status : qbmsg::NoParser;
     QBString text("");
-    if (tree->getText(text) < 0) return QBR_ERR_NO_MEMORY;
+    if (tree->getText(text) < 0) return qbmsg::OutOfMemory;
     size_t copied = text.length() < unsigned(size) ? text.length() : size_t(size);
     if (buffer && size > 0 && copied > 0) std::memcpy(buffer, text.get(), copied);
     return int(text.length());

@@ -402,7 +402,7 @@ CPParseTree* parseExceptionSpecification(CPParseContext& ctx, unsigned) {
     if (!node) return nullptr;
     ctx.mark();
     ctx.take(node);
-    if (!ctx.accept(node, CPT_LEFT_PAREN)) return ctx.fail(node, -8002, "(");
+    if (!ctx.accept(node, CPT_LEFT_PAREN)) return ctx.fail(node, qbmsg::ExpectedToken, "(");
     if (!ctx.accept(node, CPT_ELLIPSE)) {
         while (!ctx.at(CPT_RIGHT_PAREN)) {
             CPParseTree* type = parseTypeId(ctx, 0);
@@ -411,7 +411,7 @@ CPParseTree* parseExceptionSpecification(CPParseContext& ctx, unsigned) {
             if (!ctx.accept(node, CPT_COMMA)) break;
         }
     }
-    if (!ctx.accept(node, CPT_RIGHT_PAREN)) return ctx.fail(node, -8002, ")");
+    if (!ctx.accept(node, CPT_RIGHT_PAREN)) return ctx.fail(node, qbmsg::ExpectedToken, ")");
     return ctx.commit(node);
 }
 

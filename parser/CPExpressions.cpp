@@ -41,7 +41,7 @@ CPParseTree* conditionalTail(CPParseContext& ctx, CPParseTree* left, bool full) 
     node->addChild(left);
     ctx.take(node);
     node->addChild(ctx.at(CPT_COLON) ? nullptr : parseExpression(ctx, CPPARSE_OPTIONAL));
-    if (!ctx.accept(node, CPT_COLON)) return ctx.fail(node, -8002, ":");
+    if (!ctx.accept(node, CPT_COLON)) return ctx.fail(node, qbmsg::ExpectedToken, ":");
     CPParseTree* right = full ? parseAssignmentExpression(ctx, 0) : parseConditionalExpression(ctx, 0);
     if (!ctx.require(node, right)) return ctx.bail(node);
     return ctx.commit(node);

@@ -20,7 +20,7 @@ CPParseTree* CPParseContext::fail(CPParseTree* node, int code, const QBString& t
 
 bool CPParseContext::expect(CPParseTree* node, CPParseNodeType t, const char* text) {
     if (accept(node, t)) return true;
-    node->logErrorAtSource(source, -8002, QBString(text));
+    node->logErrorAtSource(source, qbmsg::ExpectedToken, QBString(text));
     return false;
 }
 
@@ -29,7 +29,7 @@ bool CPParseContext::require(CPParseTree* node, CPParseNode* child) {
         node->addChild(child);
         return true;
     }
-    node->logErrorAtSource(source, -8001, currentText());
+    node->logErrorAtSource(source, qbmsg::SyntaxError, currentText());
     return false;
 }
 

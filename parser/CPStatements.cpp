@@ -26,7 +26,7 @@ template <class N> CPParseTree* keywordStatement(CPParseContext& ctx, unsigned) 
     if (!node) return nullptr;
     ctx.mark();
     ctx.take(node);
-    if (!ctx.accept(node, CPT_SEMICOLON)) return ctx.fail(node, -8002, ";");
+    if (!ctx.accept(node, CPT_SEMICOLON)) return ctx.fail(node, qbmsg::ExpectedToken, ";");
     return ctx.commit(node);
 }
 
@@ -133,7 +133,7 @@ CPParseTree* parseCaseStatement(CPParseContext& ctx, unsigned flags) {
     } else {
         for (int i = 0; i < 3; ++i) node->addChild(nullptr);
     }
-    if (!ctx.accept(node, CPT_COLON)) return ctx.fail(node, -8002, ":");
+    if (!ctx.accept(node, CPT_COLON)) return ctx.fail(node, qbmsg::ExpectedToken, ":");
     node->addChild(parseStatementSequence(ctx, flags | CPPARSE_OPTIONAL));
     return ctx.commit(node);
 }
@@ -155,13 +155,13 @@ CPParseTree* parseSwitchCases(CPParseContext& ctx, unsigned flags) {
             if (!firstDefault) {
                 firstDefault = label;
             } else {
-                label->logErrorAtNode(label, -8073, QBString("default"));
-                firstDefault->logErrorAtNode(firstDefault, -8018, QBString("default"));
+                label->logErrorAtNode(label, qbmsg::SecondDefaultLabel, QBString("default"));
+                firstDefault->logErrorAtNode(firstDefault, qbmsg::EarlierDeclaration, QBString("default"));
             }
         }
         if ((flags & CPPARSE_SINGLE_STATEMENT) && label->getChild(label->getChildCount() - 1)) break;
     }
-    if (cases == 0) node->logWarningAtSource(ctx.source, -8077);
+    if (cases == 0) node->logWarningAtSource(ctx.source, qbmsg::SwitchWithoutLabels);
     return ctx.commit(node);
 }
 
@@ -176,7 +176,7 @@ CPParseTree* parseSwitch(CPParseContext& ctx, unsigned) {
         return ctx.bail(node);
     if (ctx.accept(node, CPT_LEFT_BRACE)) {
         node->addChild(parseSwitchCases(ctx, CPPARSE_OPTIONAL));
-        if (!ctx.accept(node, CPT_RIGHT_BRACE)) return ctx.fail(node, -8002, "}");
+        if (!ctx.accept(node, CPT_RIGHT_BRACE)) return ctx.fail(node, qbmsg::ExpectedToken, "}");
         return ctx.commit(node);
     }
     node->addChild(nullptr);
@@ -192,7 +192,7 @@ CPParseTree* parseReturn(CPParseContext& ctx, unsigned) {
     ctx.mark();
     ctx.take(node);
     node->addChild(ctx.at(CPT_SEMICOLON) ? nullptr : parseExpression(ctx, CPPARSE_OPTIONAL));
-    if (!ctx.accept(node, CPT_SEMICOLON)) return ctx.fail(node, -8002, ";");
+    if (!ctx.accept(node, CPT_SEMICOLON)) return ctx.fail(node, qbmsg::ExpectedToken, ";");
     return ctx.commit(node);
 }
 
@@ -204,7 +204,7 @@ CPParseTree* parseGoto(CPParseContext& ctx, unsigned) {
     ctx.take(node);
     if (!ctx.require(node, parseIdentifier(ctx, CPPARSE_KEYWORD_NAMES | CPPARSE_ALL_KEYWORD_NAMES)))
         return ctx.bail(node);
-    if (!ctx.accept(node, CPT_SEMICOLON)) return ctx.fail(node, -8002, ";");
+    if (!ctx.accept(node, CPT_SEMICOLON)) return ctx.fail(node, qbmsg::ExpectedToken, ";");
     return ctx.commit(node);
 }
 
@@ -215,7 +215,7 @@ CPParseTree* parseIfExists(CPParseContext& ctx, unsigned) {
     ctx.mark();
     if (!readIfExistsHead(ctx, node)) return ctx.bail(node);
     node->addChild(parseStatementSequence(ctx, CPPARSE_OPTIONAL));
-    if (!ctx.accept(node, CPT_RIGHT_BRACE)) return ctx.fail(node, -8002, "}");
+    if (!ctx.accept(node, CPT_RIGHT_BRACE)) return ctx.fail(node, qbmsg::ExpectedToken, "}");
     return ctx.commit(node);
 }
 
@@ -312,7 +312,7 @@ CPParseTree* parseExpressionStatement(CPParseContext& ctx, unsigned) {
     if (!node) return ctx.rollback(expression);
     node->addChild(expression);
     if (ctx.accept(node, CPT_SEMICOLON)) return ctx.commit(node);
-    return ctx.fail(node, -8002, ";");
+    return ctx.fail(node, qbmsg::ExpectedToken, ";");
 }
 
 // compound-statement:
@@ -324,7 +324,7 @@ CPParseTree* parseBlockStatement(CPParseContext& ctx, unsigned) {
     ctx.mark();
     ctx.take(node);
     node->addChild(parseStatementSequence(ctx, CPPARSE_OPTIONAL));
-    if (!ctx.accept(node, CPT_RIGHT_BRACE)) return ctx.fail(node, -8002, "}");
+    if (!ctx.accept(node, CPT_RIGHT_BRACE)) return ctx.fail(node, qbmsg::ExpectedToken, "}");
     return ctx.commit(node);
 }
 

@@ -30,7 +30,7 @@ CPParseTree* parseExceptionDeclaration(CPParseContext& ctx) {
     return ctx.commit(node);
 }
 
-// A required compound statement, or -8001; false after the message.
+// A required compound statement, or SyntaxError; false after the message.
 bool requireBlock(CPParseContext& ctx, CPParseTree* node) {
     return ctx.require(node, parseBlockStatement(ctx, 0));
 }
@@ -87,7 +87,7 @@ CPParseTree* parseTry(CPParseContext& ctx, unsigned) {
     node->addChild(nullptr);
     node->addChild(nullptr);
     if (handled) return ctx.commit(node);
-    node->logErrorAtNode(node, -8081);
+    node->logErrorAtNode(node, qbmsg::TryWithoutHandler);
     return ctx.failHere(node);
 }
 
@@ -106,7 +106,7 @@ CPParseTree* parseStructuredTry(CPParseContext& ctx, unsigned) {
                   ctx.expect(node, CPT_RIGHT_PAREN, ")") && requireBlock(ctx, node);
         if (!ok) return ctx.bail(node);
     } else {
-        return ctx.fail(node, -8002, "except");
+        return ctx.fail(node, qbmsg::ExpectedToken, "except");
     }
     if (ctx.accept(node, CPT_kw___finally) && !requireBlock(ctx, node)) return ctx.bail(node);
     return ctx.commit(node);

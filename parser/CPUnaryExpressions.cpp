@@ -28,7 +28,7 @@ CPParseTree* parseDelete(CPParseContext& ctx, unsigned flags) {
     if (!ctx.accept(node, CPT_COLON_COLON)) node->addChild(nullptr);
     if (!ctx.accept(node, CPT_kw_delete)) return ctx.rollback(node);
     if (ctx.accept(node, CPT_LEFT_BRACKET)) {
-        if (!ctx.accept(node, CPT_RIGHT_BRACKET)) return ctx.fail(node, -8002, "]");
+        if (!ctx.accept(node, CPT_RIGHT_BRACKET)) return ctx.fail(node, qbmsg::ExpectedToken, "]");
     } else {
         node->addChild(nullptr);
         node->addChild(nullptr);
@@ -52,7 +52,7 @@ CPParseTree* parseNewInitializer(CPParseContext& ctx) {
     ctx.mark();
     ctx.take(node);
     node->addChild(parseExpressionList(ctx, CPPARSE_OPTIONAL));
-    if (!ctx.accept(node, CPT_RIGHT_PAREN)) return ctx.fail(node, -8002, ")");
+    if (!ctx.accept(node, CPT_RIGHT_PAREN)) return ctx.fail(node, qbmsg::ExpectedToken, ")");
     return ctx.commit(node);
 }
 
@@ -116,7 +116,7 @@ CPParseTree* parseNewBody(CPParseContext& ctx, bool allowPlacement) {
     else node->addChild(nullptr);
     if (ctx.accept(node, CPT_LEFT_PAREN)) {
         if (!ctx.require(node, parseTypeId(ctx, 0))) return ctx.bail(node);
-        if (!ctx.accept(node, CPT_RIGHT_PAREN)) return ctx.fail(node, -8002, ")");
+        if (!ctx.accept(node, CPT_RIGHT_PAREN)) return ctx.fail(node, qbmsg::ExpectedToken, ")");
     } else {
         node->addChild(nullptr);
         if (!ctx.require(node, parseNewTypeId(ctx))) return ctx.bail(node);
@@ -188,17 +188,17 @@ CPParseTree* parseDefined(CPParseContext& ctx, unsigned) {
     bool parenthesized = ctx.accept(node, CPT_LEFT_PAREN);
     if (!parenthesized) node->addChild(nullptr);
     if (!takeDefinedName(ctx, node)) {
-        node->logErrorAtSource(ctx.source, -8004);
+        node->logErrorAtSource(ctx.source, qbmsg::NameRequired);
         ctx.source.commitWithError(node);
         return node;
     }
     if (!parenthesized) node->addChild(nullptr);
     else if (ctx.accept(node, CPT_RIGHT_PAREN)) {}
     else if (ctx.at(CPT_NEWLINE) || ctx.at(CPT_EOF) || ctx.at(CPT_EOS)) {
-        node->logWarningAtSource(ctx.source, -8002, ")");
+        node->logWarningAtSource(ctx.source, qbmsg::ExpectedToken, ")");
         node->addChild(nullptr);
     } else {
-        node->logErrorAtSource(ctx.source, -8002, ")");
+        node->logErrorAtSource(ctx.source, qbmsg::ExpectedToken, ")");
     }
     return ctx.commit(node);
 }

@@ -101,10 +101,10 @@ void placeToken(TextState& s, TBPToken<CPParseNodeType>* token, const QBString& 
 }  // namespace
 
 int CPPreprocessor::writePreprocessedText(QBString& out, bool addLineMarkers) {
-    if (out.makeNotNull() < 0) return CPPP_ERR_NOMEM;
+    if (out.makeNotNull() < 0) return qbmsg::OutOfMemory;
     TextState state{out, addLineMarkers, QBString(""), -1, 0};
     Token* token = currentToken();
-    if (!token) return isCancelled() ? CPPP_ERR_CANCELLED : 0;
+    if (!token) return isCancelled() ? qbmsg::Cancelled : 0;
     if (token->getType() != CPT_EOF) {
         // The first token opens the file: it gets the marker and sets the line.
         QBString file = token->getFileName();
@@ -119,9 +119,9 @@ int CPPreprocessor::writePreprocessedText(QBString& out, bool addLineMarkers) {
             state.indent -= INDENT_STEP;
         QBString text = spellingOf(token);
         placeToken(state, token, text);
-        if (out.append(text) < 0) return CPPP_ERR_NOMEM;
+        if (out.append(text) < 0) return qbmsg::OutOfMemory;
         if (kind == CPT_LEFT_BRACE || kind == CPT_LEFT_BRACKET || kind == CPT_LEFT_PAREN)
             state.indent += INDENT_STEP;
     }
-    return isCancelled() ? CPPP_ERR_CANCELLED : 0;
+    return isCancelled() ? qbmsg::Cancelled : 0;
 }

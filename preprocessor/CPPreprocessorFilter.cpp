@@ -146,7 +146,7 @@ int CPPreprocessorFilter::preprocess(CPPreprocessor* pp, CPPreprocessorFilter* t
                                      CPPreprocessorMacro* call, int) {
     if (getChildCount() == 0) return 0;
     CPPreprocessorFilter* into = wrapTarget(target, flat, this, getChildCount());
-    if (!into) return CPPP_ERR_NOMEM;
+    if (!into) return qbmsg::OutOfMemory;
     int rc = preprocessChildren(pp, into, flat, call, 0);
     if (hasError()) into->setErrorFlag(false);
     return rc;
@@ -163,7 +163,7 @@ int CPPreprocessorFilter::preprocessChildren(CPPreprocessor* pp, CPPreprocessorF
         else if (CPPreprocessorFilter* node = from(child))
             rc = node->preprocess(pp, target, flat, call, childDepth);
         else rc = 0;
-        if (rc == CPPP_ERR_CANCELLED) return rc;
+        if (rc == qbmsg::Cancelled) return rc;
         if (rc < 0) kept = rc;
     }
     return kept;

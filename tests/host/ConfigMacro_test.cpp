@@ -31,7 +31,7 @@ protected:
     void SetUp() override {
         testhost::loadModule();
         ASSERT_EQ(run("refactor_config_open", {qbArgString(xml.c_str())}),
-                  QBXML_ERR_FILE_NOT_FOUND);
+                  qbmsg::FileNotFound);
     }
     void TearDown() override { run("refactor_config_close"); }
     std::vector<std::string> includes(const char* name) {
