@@ -115,7 +115,7 @@ int64_t Evaluator::defined(CPParseNode* node) {
         node->logErrorAtNode(node, qbmsg::NothingToWorkOn);
         return 0;
     }
-    if (name->getType() >= CPT_kw___cplusplus && name->getType() <= CPT_kw___TIMESTAMP__) return 1;
+    if (cpTokenHas(name->getType(), CPTK_BUILTIN)) return 1;
     return query ? query(context, name, false) : 0;
 }
 

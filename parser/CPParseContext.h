@@ -115,8 +115,11 @@ struct CPParseContext {
     }
     // SyntaxError with the current token's text.
     CPParseTree* failHere(CPParseTree* node) { return fail(node, qbmsg::SyntaxError, currentText()); }
-    // Requires a token: it is taken, or ExpectedToken with its text is logged. True when taken.
-    bool expect(CPParseTree* node, CPParseNodeType t, const char* text);
+    // Requires a token: it is taken, or ExpectedToken with its spelling is logged. True when
+    // taken.
+    bool expect(CPParseTree* node, CPParseNodeType t);
+    // ExpectedToken with t's spelling, then as fail.
+    CPParseTree* failExpecting(CPParseTree* node, CPParseNodeType t);
     // Adds child, or logs SyntaxError when it is null. True when there was a child.
     bool require(CPParseTree* node, CPParseNode* child);
 };

@@ -45,8 +45,8 @@ CPParseTree* parseHandler(CPParseContext& ctx, unsigned) {
     if (!node) return nullptr;
     ctx.mark();
     ctx.take(node);
-    bool ok = ctx.expect(node, CPT_LEFT_PAREN, "(") && ctx.require(node, parseExceptionDeclaration(ctx)) &&
-              ctx.expect(node, CPT_RIGHT_PAREN, ")") && requireBlock(ctx, node);
+    bool ok = ctx.expect(node, CPT_LEFT_PAREN) && ctx.require(node, parseExceptionDeclaration(ctx)) &&
+              ctx.expect(node, CPT_RIGHT_PAREN) && requireBlock(ctx, node);
     return ok ? ctx.commit(node) : ctx.bail(node);
 }
 
@@ -102,11 +102,11 @@ CPParseTree* parseStructuredTry(CPParseContext& ctx, unsigned) {
     if (ctx.at(CPT_kw___finally)) {
         for (int i = 0; i < 5; ++i) node->addChild(nullptr);
     } else if (ctx.accept(node, CPT_kw___except)) {
-        bool ok = ctx.expect(node, CPT_LEFT_PAREN, "(") && ctx.require(node, parseExpression(ctx, 0)) &&
-                  ctx.expect(node, CPT_RIGHT_PAREN, ")") && requireBlock(ctx, node);
+        bool ok = ctx.expect(node, CPT_LEFT_PAREN) && ctx.require(node, parseExpression(ctx, 0)) &&
+                  ctx.expect(node, CPT_RIGHT_PAREN) && requireBlock(ctx, node);
         if (!ok) return ctx.bail(node);
     } else {
-        return ctx.fail(node, qbmsg::ExpectedToken, "except");
+        return ctx.failExpecting(node, CPT_kw___except);
     }
     if (ctx.accept(node, CPT_kw___finally) && !requireBlock(ctx, node)) return ctx.bail(node);
     return ctx.commit(node);

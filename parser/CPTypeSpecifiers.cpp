@@ -214,7 +214,7 @@ CPParseTree* parseTypeof(CPParseContext& ctx, unsigned) {
     if (!node) return nullptr;
     ctx.mark();
     ctx.take(node);
-    if (!ctx.accept(node, CPT_LEFT_PAREN)) return ctx.fail(node, qbmsg::ExpectedToken, "(");
+    if (!ctx.expect(node, CPT_LEFT_PAREN)) return ctx.bail(node);
     ctx.mark();
     CPParseTree* operand = parseUnary(ctx, 0);
     if (operand && !ctx.at(CPT_RIGHT_PAREN)) {
@@ -225,7 +225,7 @@ CPParseTree* parseTypeof(CPParseContext& ctx, unsigned) {
     if (!operand) operand = parseTypeId(ctx, 0);
     ctx.source.commit();
     if (!ctx.require(node, operand)) return ctx.bail(node);
-    if (!ctx.accept(node, CPT_RIGHT_PAREN)) return ctx.fail(node, qbmsg::ExpectedToken, ")");
+    if (!ctx.expect(node, CPT_RIGHT_PAREN)) return ctx.bail(node);
     return ctx.commit(node);
 }
 

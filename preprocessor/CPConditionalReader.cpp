@@ -20,7 +20,7 @@ int readDefined(CPTokenSource& source, CPPreprocessorIfExpression* expr) {
     if (rc != 0) return rc;
     if (kind != CPT_LEFT_PAREN) {
         if (isName(kind)) return cpTakeToken(source, expr);
-        expr->logErrorAtSource(source, qbmsg::ExpectedToken, "(");
+        expr->logErrorAtSource(source, qbmsg::ExpectedToken, cpTokenSpelling(CPT_LEFT_PAREN));
         return 0;
     }
     rc = cpTakeToken(source, expr);
@@ -29,7 +29,7 @@ int readDefined(CPTokenSource& source, CPPreprocessorIfExpression* expr) {
     kind = source.currentType();
     if (rc != 0 || cpAtLineEnd(kind)) return rc;
     if (kind == CPT_RIGHT_PAREN) return cpTakeToken(source, expr);
-    expr->logErrorAtSource(source, qbmsg::ExpectedToken, ")");
+    expr->logErrorAtSource(source, qbmsg::ExpectedToken, cpTokenSpelling(CPT_RIGHT_PAREN));
     return 0;
 }
 

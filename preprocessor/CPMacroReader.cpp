@@ -118,7 +118,8 @@ CPPreprocessorMacroArgument* parseMacroArgument(CPTokenSource& source, int depth
     while (rc == 0 && !stop) {
         int kind = source.currentType();
         if (argumentEnds(kind, formals)) {
-            if (open > 0) arg->logErrorAtSource(source, qbmsg::ExpectedToken, ")");
+            if (open > 0)
+                arg->logErrorAtSource(source, qbmsg::ExpectedToken, cpTokenSpelling(CPT_RIGHT_PAREN));
             break;
         }
         if ((kind == CPT_RIGHT_PAREN || kind == CPT_COMMA) && open == 0) break;
@@ -292,7 +293,7 @@ bool readParameters(CPTokenSource& source, CPPreprocessorDefine* define, CPForma
         rc = cpTakeToken(source, define);
         return rc == 0;
     }
-    define->logErrorAtSource(source, qbmsg::ExpectedToken, ")");
+    define->logErrorAtSource(source, qbmsg::ExpectedToken, cpTokenSpelling(CPT_RIGHT_PAREN));
     rc = cpTakeRestOfLine(source, define);
     return false;
 }

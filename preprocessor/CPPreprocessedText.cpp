@@ -62,18 +62,35 @@ void lineMarker(TextState& s, uint32_t line) {
     s.out.append('\n');
 }
 
-// One blank where the two neighbours would read as another token.
-// Two characters that begin one longer token (a punctuator, a digraph, a comment or a number),
-// so the text would read back as other tokens: `+ ++x` must not print as `+++x`, nor `a / *p`
-// as the start of a comment.
+// The first two characters of every longer punctuator and digraph in the token table, and of
+// the two comment openers: neighbours that would fuse into one of those.
+struct FusingPairs {
+    bool pair[128][128] = {};
+    FusingPairs() {
+        for (int kind = 0; kind <= CPT_LAST_TOKEN; ++kind)
+            if (!cpTokenHas(kind, CPTK_KEYWORD)) {
+                add(cpTokenSpelling(kind));
+                add(cpTokenDigraph(kind));
+            }
+        add("//");
+        add("/*");
+    }
+    void add(const char* spelling) {
+        if (spelling && spelling[0] && spelling[1])
+            pair[(unsigned char)spelling[0] & 127][(unsigned char)spelling[1] & 127] = true;
+    }
+    bool fuse(char last, char first) const {
+        unsigned a = (unsigned char)last, b = (unsigned char)first;
+        return a < 128 && b < 128 && pair[a][b];
+    }
+};
+
+// One blank where the two neighbours would read as another token: `+ ++x` must not print as
+// `+++x`, nor `a / *p` as the start of a comment, nor `1 .5` as a number.
 bool needsBlank(char last, char first) {
+    static const FusingPairs fusing;
     if (isSymbolChar(last) && isSymbolChar(first)) return true;
-    static const char* const fusing[] = {"++", "--", "->", "+=", "-=", "*=", "/=", "%=", "&=",
-                                         "|=", "^=", "==", "!=", "<=", ">=", "<<", ">>", "&&",
-                                         "||", "::", "##", "..", ".*", "//", "/*", "<:", "<%",
-                                         "%:", "%>", ":>"};
-    for (const char* pair : fusing)
-        if (pair[0] == last && pair[1] == first) return true;
+    if (fusing.fuse(last, first)) return true;
     bool digitLast = last >= '0' && last <= '9', digitFirst = first >= '0' && first <= '9';
     return (digitLast && first == '.') || (last == '.' && digitFirst);
 }

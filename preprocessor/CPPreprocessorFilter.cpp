@@ -6,11 +6,12 @@
 using quernbase::QBString;
 
 bool cpIsIdentifierLike(int kind) {
-    return kind == CPT_IDENTIFIER || (kind >= CPT_kw_and && kind <= CPT_kw___typeof) ||
-           kind == CPT_kw_define || (kind >= CPT_kw_elif && kind <= CPT_kw___asm);
+    unsigned flags = cpTokenFlags(kind);
+    return kind == CPT_IDENTIFIER ||
+           ((flags & CPTK_KEYWORD) && !(flags & CPTK_BUILTIN) && kind != CPT_kw_defined);
 }
 
-bool cpIsBuiltinKind(int kind) { return kind >= CPT_kw___cplusplus && kind <= CPT_kw___TIMESTAMP__; }
+bool cpIsBuiltinKind(int kind) { return cpTokenHas(kind, CPTK_BUILTIN); }
 
 CPPreprocessorFilter::~CPPreprocessorFilter() {
     for (Node* child : children) {

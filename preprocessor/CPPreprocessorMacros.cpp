@@ -388,7 +388,7 @@ int CPPreprocessorMacro::emitCall(CPPreprocessor* pp, CPPreprocessorFilter* targ
         if (!child) continue;
         if (child->isToken()) {
             int kind = child->getType();
-            if (kind >= CPT_kw_define && kind <= CPT_kw_undef && kind != CPT_kw_defined)
+            if (cpTokenHas(kind, CPTK_DIRECTIVE))
                 child->setType(CPT_IDENTIFIER);
             if (int rc = target->addChild(child)) return rc;
             continue;

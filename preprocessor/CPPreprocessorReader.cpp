@@ -119,7 +119,7 @@ CPPreprocessorPPTokens* cpParseText(CPTokenSource& source, int depth) {
     for (int kind = source.currentType(); rc == 0 && !cpAtLineEnd(kind);
          kind = source.currentType()) {
         TBPToken<CPParseNodeType>* token = source.currentToken();
-        if (kind >= CPT_kw_define && kind <= CPT_kw_undef && kind != CPT_kw_defined)
+        if (cpTokenHas(kind, CPTK_DIRECTIVE))
             token->setType(CPT_IDENTIFIER);
         if (cpIsBuiltinKind(kind)) rc = cpAdoptChild(run, cpParseBuiltin(source));
         else if (cpIsIdentifierLike(token->getType()))
@@ -273,12 +273,13 @@ CPPreprocessorIncludeArg* cpParseIncludeArg(CPTokenSource& source, int depth) {
         while (rc == 0 && !cpAtLineEnd(source.currentType()) && source.currentType() != CPT_GT)
             rc = cpTakeToken(source, arg);
         if (rc == 0 && source.currentType() == CPT_GT) rc = cpTakeToken(source, arg);
-        else if (rc == 0) arg->logErrorAtSource(source, qbmsg::ExpectedToken, ">");
+        else if (rc == 0)
+            arg->logErrorAtSource(source, qbmsg::ExpectedToken, cpTokenSpelling(CPT_GT));
     } else {
         while (rc == 0 && !cpAtLineEnd(source.currentType())) {
             TBPToken<CPParseNodeType>* token = source.currentToken();
             int k = token->getType();
-            if (k >= CPT_kw_define && k <= CPT_kw_undef && k != CPT_kw_defined)
+            if (cpTokenHas(k, CPTK_DIRECTIVE))
                 token->setType(CPT_IDENTIFIER);
             if (cpIsIdentifierLike(token->getType()))
                 rc = cpAdoptChild(arg, cpParseMacroCall(source, depth, nullptr));
