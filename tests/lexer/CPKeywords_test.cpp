@@ -1,5 +1,6 @@
-// The lexer's keyword tree (CPKeywords.inc, written by hand for speed) against the token table:
-// the same words with the same kinds, row by row, and the scanner gives each word its kind.
+// The lexer against the token table: the keyword tree (CPKeywords.inc, written by hand for
+// speed) holds the same words with the same kinds, row by row, and the scanner gives every
+// word, punctuator spelling and digraph its kind.
 #include <gtest/gtest.h>
 
 #include <fstream>
@@ -84,4 +85,25 @@ TEST(CPKeywords, TheScannerGivesEveryWordItsKindAndLongerWordsAreNames) {
             EXPECT_EQ(s.cursor, variant.c_str() + variant.size()) << variant;
         }
     }
+}
+
+// Spellings and digraphs scan back to their own kind, and a keyword is spelled as its name.
+TEST(CPTokenTable, SpellingsScanBackToTheirKind) {
+    int spelled = 0;
+    for (int kind = 0; kind <= CPT_LAST_TOKEN; ++kind) {
+        for (const char* text : {cpTokenSpelling(kind), cpTokenDigraph(kind)}) {
+            if (!text) continue;
+            ++spelled;
+            std::string s = text;
+            CPScanCursor cursor{s.c_str(), s.c_str() + s.size(), 0, 0, 0};
+            EXPECT_EQ(cpScanToken(cursor), kind) << s;
+            EXPECT_EQ(cursor.cursor, s.c_str() + s.size()) << s;
+        }
+        if (cpTokenHas(kind, CPTK_KEYWORD)) {
+            EXPECT_STREQ(cpTokenSpelling(kind), cpTokenKindName(kind));
+        }
+    }
+    EXPECT_EQ(cpTokenSpelling(CPT_IDENTIFIER), nullptr);
+    EXPECT_EQ(cpTokenSpelling(CPN_CompilationUnit), nullptr);
+    EXPECT_GT(spelled, 150);
 }

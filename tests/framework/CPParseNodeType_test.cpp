@@ -6,7 +6,6 @@
 #include <vector>
 
 #include "CPParseNodeType.h"
-#include "CPScanner.h"
 
 TEST(CPParseNodeTypeNames, TokensNodesAndNamelessNumbers) {
     EXPECT_STREQ(cpParseNodeTypeName(CPT_IDENTIFIER), "IDENTIFIER");
@@ -58,27 +57,6 @@ TEST(CPParseNodeTypeNames, RowsCoverEveryNumberOnceAndNamesAreUnique) {
             EXPECT_TRUE(seen.insert(name).second) << "two numbers named " << name;
         }
     }
-}
-
-// Spellings and digraphs scan back to their own kind, and a keyword is spelled as its name.
-TEST(CPTokenTable, SpellingsScanBackToTheirKind) {
-    int spelled = 0;
-    for (int kind = 0; kind <= CPT_LAST_TOKEN; ++kind) {
-        for (const char* text : {cpTokenSpelling(kind), cpTokenDigraph(kind)}) {
-            if (!text) continue;
-            ++spelled;
-            std::string s = text;
-            CPScanCursor cursor{s.c_str(), s.c_str() + s.size(), 0, 0, 0};
-            EXPECT_EQ(cpScanToken(cursor), kind) << s;
-            EXPECT_EQ(cursor.cursor, s.c_str() + s.size()) << s;
-        }
-        if (cpTokenHas(kind, CPTK_KEYWORD)) {
-            EXPECT_STREQ(cpTokenSpelling(kind), cpTokenKindName(kind));
-        }
-    }
-    EXPECT_EQ(cpTokenSpelling(CPT_IDENTIFIER), nullptr);
-    EXPECT_EQ(cpTokenSpelling(CPN_CompilationUnit), nullptr);
-    EXPECT_GT(spelled, 150);
 }
 
 // The flags that grammar and preprocessor read, as properties a wrong column would break.
