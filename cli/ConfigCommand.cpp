@@ -42,8 +42,6 @@ struct Engine {
 #undef QB_FIELD
 };
 
-const int kNoConfiguration = -7500, kWrongType = -7535;
-
 bool loadEngine(Engine& engine, std::string& error) {
     std::string path = engineModulePath();
     void* module = dlopen(path.c_str(), RTLD_LAZY | RTLD_LOCAL);  // stays loaded
@@ -65,10 +63,10 @@ bool loadEngine(Engine& engine, std::string& error) {
 
 std::string describe(int status) {
     switch (status) {
-    case -8: return "out of memory";
-    case kNoConfiguration: return "no such configuration";
-    case -7501: return "no configuration file is open";
-    case kWrongType: return "the configuration is of another type";
+    case qbmsg::OutOfMemory: return "out of memory";
+    case qbmsg::NoConfiguration: return "no such configuration";
+    case qbmsg::NoConfigurationFile: return "no configuration file is open";
+    case qbmsg::WrongConfigurationType: return "the configuration is of another type";
     default: return qbXMLCFGStatusText(status);
     }
 }
@@ -233,7 +231,7 @@ int addCommand(ConfigSession& session, std::vector<std::string> args, std::ostre
 int deleteCommand(ConfigSession& session, const std::string& name, std::ostream& out,
                   std::ostream& err) {
     int rc = session.engine.remove(name.c_str());
-    if (rc == kNoConfiguration) return fail(err, "no configuration named '" + name + "'");
+    if (rc == qbmsg::NoConfiguration) return fail(err, "no configuration named '" + name + "'");
     if (rc < 0) return fail(err, failure("cannot delete '" + name + "'", rc));
     std::string error;
     if (!session.save(error)) return fail(err, error);

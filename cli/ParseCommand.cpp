@@ -15,8 +15,6 @@ namespace cli {
 
 namespace {
 
-const int FILE_HAS_ERRORS = -7516;
-
 void usage(const char* command) {
     std::printf(
         "usage: qbrefactor %s [options] FILE...\n"
@@ -70,7 +68,7 @@ int finish(int t, int status) {
     if (stoppedAtFailure())
         std::fprintf(stderr, "qbrefactor: stopped at the first file with errors "
                              "(--keep-going goes on)\n");
-    else if (status < 0 && status != FILE_HAS_ERRORS)
+    else if (status < 0 && status != qbmsg::FileHasErrors)
         reportStatus("stopped", status);
     engineCall("refactor_cancel_transaction", {qbArgInt(t)});
     return errors > 0 || status < 0 ? 1 : 0;
@@ -101,7 +99,7 @@ int openFileSet(const char* command, int argc, char** argv, FileSetOptions& o) {
     return t;
 }
 
-int exitFor(int openStatus) { return openStatus == -2 ? 0 : 2; }
+int exitFor(int openStatus) { return openStatus == qbmsg::FileNotFound ? 0 : 2; }
 
 typedef int (*ParsedTextFunction)(int handle, const char* fileName, char* buffer, int size);
 
