@@ -42,8 +42,6 @@ struct Engine {
 #undef QB_FIELD
 };
 
-const int kNoConfiguration = -7500, kWrongType = -7535;
-
 bool loadEngine(Engine& engine, std::string& error) {
     std::string path = engineModulePath();
     void* module = dlopen(path.c_str(), RTLD_LAZY | RTLD_LOCAL);  // stays loaded
@@ -65,18 +63,18 @@ bool loadEngine(Engine& engine, std::string& error) {
 
 std::string describe(int status) {
     switch (status) {
-    case -8: return "out of memory";
-    case kNoConfiguration: return "no such configuration";
-    case -7501: return "no configuration file is open";
-    case kWrongType: return "the configuration is of another type";
+    case qbmsg::OutOfMemory: return "out of memory";
+    case qbmsg::NoConfiguration: return "no such configuration";
+    case qbmsg::NoConfigurationFile: return "no configuration file is open";
+    case qbmsg::WrongConfigurationType: return "the configuration is of another type";
     default: return qbXMLCFGStatusText(status);
     }
 }
 
 std::string failure(const std::string& what, int status) {
     std::string text = what + ": " + describe(status) + " (status " + std::to_string(status) + ")";
-    std::string detail = status == QBXML_ERR_NOT_FOUND ? "it has no Compilers element"
-                                                       : qbXMLCFGLastErrorDetail();
+    std::string detail = status == qbmsg::NotInList ? "it has no Compilers element"
+                                                    : qbXMLCFGLastErrorDetail();
     return detail.empty() ? text : text + ": " + detail;
 }
 
@@ -93,7 +91,7 @@ public:
         if (!loadEngine(engine, error)) return false;
         opened = true;
         int rc = engine.open(xmlPath.c_str());
-        if (rc >= 0 || rc == QBXML_ERR_FILE_NOT_FOUND) return true;
+        if (rc >= 0 || rc == qbmsg::FileNotFound) return true;
         error = failure("cannot use " + xmlPath, rc);
         return false;
     }
@@ -215,7 +213,7 @@ int addCommand(ConfigSession& session, std::vector<std::string> args, std::ostre
 int deleteCommand(ConfigSession& session, const std::string& name, std::ostream& out,
                   std::ostream& err) {
     int rc = session.engine.remove(name.c_str());
-    if (rc == kNoConfiguration) return fail(err, "no configuration named '" + name + "'");
+    if (rc == qbmsg::NoConfiguration) return fail(err, "no configuration named '" + name + "'");
     if (rc < 0) return fail(err, failure("cannot delete '" + name + "'", rc));
     std::string error;
     if (!session.save(error)) return fail(err, error);

@@ -13,7 +13,6 @@ namespace cli {
 
 namespace {
 
-const int FILE_HAS_ERRORS = -7516;
 const int USAGE_ERROR = 2;
 
 // Errors the engine didn't ask to show while it ran; gives the total count.
@@ -97,7 +96,7 @@ int FileSetRun::finish(int status) {
     if (stoppedAtFailure())
         std::fprintf(stderr, "qbrefactor: stopped at the first file with errors "
                              "(--keep-going goes on)\n");
-    else if (status < 0 && status != FILE_HAS_ERRORS)
+    else if (status < 0 && status != qbmsg::FileHasErrors)
         reportStatus("stopped", status);
     engineCall("refactor_cancel_transaction", {qbArgInt(handle)});
     return errors > 0 || status < 0 ? 1 : 0;

@@ -16,7 +16,6 @@ std::set<std::string> shown;
 std::string currentFile;
 bool barDrawn = false;
 bool stopped = false;
-const int STOP_ANSWER = -7516;  // "the file has errors": ends the walk
 const int BAR_WIDTH = 30;
 
 std::string textArg(int argc, const QBArgRecord* args, int i) {
@@ -64,7 +63,7 @@ int onShowErrors(void*, int argc, const QBArgRecord* args) {
 int onPromptToSkip(void*, int, const QBArgRecord*) {
     if (options.keepGoing) return 1;
     stopped = true;
-    return STOP_ANSWER;
+    return qbmsg::FileHasErrors;  // ends the walk
 }
 
 }  // namespace

@@ -14,8 +14,10 @@ function(qb_layer name)
   foreach(dep IN LISTS ARGN)
     target_include_directories(qb_${name} PUBLIC ${CMAKE_SOURCE_DIR}/${dep})
   endforeach()
-  # Engine code calls host operations through the qbapi headers only.
-  target_include_directories(qb_${name} PUBLIC ${CMAKE_SOURCE_DIR}/qbapi/include)
+  # Engine code calls host operations through the qbapi headers only, and knows statuses by the
+  # names of the message table.
+  target_include_directories(qb_${name} PUBLIC ${CMAKE_SOURCE_DIR}/qbapi/include
+                                               ${CMAKE_SOURCE_DIR}/messages)
   set(QB_ENGINE_LAYERS ${QB_ENGINE_LAYERS} ${name} CACHE INTERNAL "")
 endfunction()
 
@@ -31,5 +33,6 @@ function(qb_engine_module)
   set_target_properties(qbrefactor_module PROPERTIES OUTPUT_NAME qbrefactor PREFIX "lib")
   # The same objects as a static library for unit tests of engine internals.
   add_library(qbengine STATIC ${objs})
-  target_include_directories(qbengine PUBLIC ${incs} ${CMAKE_SOURCE_DIR}/qbapi/include)
+  target_include_directories(qbengine PUBLIC ${incs} ${CMAKE_SOURCE_DIR}/qbapi/include
+                                             ${CMAKE_SOURCE_DIR}/messages)
 endfunction()

@@ -9,6 +9,7 @@
 #include <new>
 
 #include "QBMemory.h"
+#include "QBMessageCodes.h"
 
 namespace quernbase {
 
@@ -16,7 +17,6 @@ template <class T>
 class QBArray {
 public:
     typedef int (*CompareFunction)(const T& a, const T& b);
-    enum { ERR_NOMEM = -8 };
 
     QBArray() : block(nullptr) {}
     explicit QBArray(CompareFunction compare) : block(nullptr) {
@@ -45,9 +45,9 @@ public:
     unsigned count() const { return block ? block->count : 0; }
     unsigned capacity() const { return block ? capacityOf(block) : 0; }
     CompareFunction getCompare() const { return block ? block->compare : nullptr; }
-    // Needs a block to live in, so it may allocate; -8 if that fails.
+    // Needs a block to live in, so it may allocate; OutOfMemory if that fails.
     int setCompare(CompareFunction compare) {
-        if (!block && reserve(1) != 0) return ERR_NOMEM;
+        if (!block && reserve(1) != 0) return qbmsg::OutOfMemory;
         block->compare = compare;
         return 0;
     }
@@ -152,7 +152,7 @@ private:
         unsigned newCap = 2 * cnt > n ? 2 * cnt : n + 1;
         size_t bytes = itemsOffset() + size_t(newCap) * sizeof(T);
         void* mem = QBAllocator::allocate(bytes);
-        if (!mem) return ERR_NOMEM;
+        if (!mem) return qbmsg::OutOfMemory;
         std::memset(mem, 0, QBAllocator::numBytesAllocated(mem));
         Header* fresh = static_cast<Header*>(mem);
         if (block) {

@@ -9,6 +9,7 @@
 #include <new>
 
 #include "QBMemory.h"
+#include "QBMessageCodes.h"
 
 namespace quernbase {
 
@@ -17,7 +18,7 @@ class QBHashTable {
 public:
     typedef unsigned (*HashFunction)(K key);
     typedef int (*EqualFunction)(K a, K b);  // 0 means equal
-    enum { INITIAL_SIZE = 89, ERR_NOMEM = -8, ERR_ABSENT = -2 };
+    enum { INITIAL_SIZE = 89, ERR_ABSENT = -2 };
 
     explicit QBHashTable(HashFunction hash, EqualFunction equal = nullptr)
         : buckets(nullptr), itemCount(0), collisions(0), bucketCount(0), equal(equal),
@@ -39,7 +40,7 @@ public:
     bool contains(const K& key) const { return findNode(key) != nullptr; }
 
     int set(const K& key, const V& value) {
-        if (!buckets && allocateBuckets() != 0) return ERR_NOMEM;
+        if (!buckets && allocateBuckets() != 0) return qbmsg::OutOfMemory;
         if (collisions > bucketCount / 2 && itemCount > bucketCount) {
             if (int rc = rehash(0)) return rc;
         }
@@ -51,7 +52,7 @@ public:
             return 0;
         }
         Node* node = new (std::nothrow) Node{key, value, head};
-        if (!node) return ERR_NOMEM;
+        if (!node) return qbmsg::OutOfMemory;
         if (head) ++collisions;
         head = node;
         ++itemCount;
@@ -79,7 +80,7 @@ public:
     int rehash(int size) {
         if (size <= 0) size = 2 * bucketCount + 1;
         Node** fresh = allocateArray(size);
-        if (!fresh) return ERR_NOMEM;
+        if (!fresh) return qbmsg::OutOfMemory;
         for (int b = 0; b < bucketCount; ++b) {
             for (Node* n = buckets[b]; n;) {
                 Node* next = n->next;
@@ -159,7 +160,7 @@ private:
     int allocateBuckets() {
         buckets = allocateArray(INITIAL_SIZE);
         bucketCount = buckets ? int(INITIAL_SIZE) : 0;
-        return buckets ? 0 : ERR_NOMEM;
+        return buckets ? 0 : qbmsg::OutOfMemory;
     }
     unsigned bucketOf(const K& key) const { return hash(key) % unsigned(bucketCount); }
     bool matches(const K& stored, const K& key) const {

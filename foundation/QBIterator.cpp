@@ -3,12 +3,12 @@
 namespace quernbase {
 
 int QBIterator::pushStack() {
-    return stack.add(Saved{state, position, subPosition}) ? int(ERR_NOMEM) : 0;
+    return stack.add(Saved{state, position, subPosition}) ? int(qbmsg::OutOfMemory) : 0;
 }
 
 int QBIterator::popStack() {
     unsigned n = stack.count();
-    if (n == 0) return ERR_STACK_EMPTY;
+    if (n == 0) return qbmsg::InvalidArgument;
     const Saved& s = stack[n - 1];
     state = s.state;
     position = s.position;
@@ -19,7 +19,7 @@ int QBIterator::popStack() {
 
 int QBIterator::copyStack(const QBIterator& other) {
     stack = other.stack;
-    return stack.count() == other.stack.count() ? 0 : int(ERR_NOMEM);
+    return stack.count() == other.stack.count() ? 0 : int(qbmsg::OutOfMemory);
 }
 
 }  // namespace quernbase

@@ -4,12 +4,12 @@
 #include <cstdint>
 
 #include "QBArray.h"
+#include "QBMessageCodes.h"
 
 namespace quernbase {
 
 class QBIterator {
 public:
-    enum { ERR_NOMEM = -8, ERR_STACK_EMPTY = -3015 };
 
     QBIterator() { reset(); }
     void reset() {

@@ -7,6 +7,7 @@ namespace quernbase {
 
 namespace {
 unsigned failCountdown = 0;
+size_t live = 0;
 
 bool injectedFailure() {
     if (failCountdown == 0) return false;
@@ -16,12 +17,23 @@ bool injectedFailure() {
 
 void* QBAllocator::allocate(size_t size) {
     if (injectedFailure()) return nullptr;
-    return std::malloc(size ? size : 1);
+    void* block = std::malloc(size ? size : 1);
+    if (block) ++live;
+    return block;
 }
 
-void QBAllocator::deallocate(void* block) { std::free(block); }
+void QBAllocator::deallocate(void* block) {
+    if (block) --live;
+    std::free(block);
+}
 
-void QBAllocator::failAllocationAfter(unsigned n) { failCountdown = n; }
+unsigned QBAllocator::failAllocationAfter(unsigned n) {
+    unsigned left = failCountdown;
+    failCountdown = n;
+    return left;
+}
+
+size_t QBAllocator::liveBlocks() { return live; }
 
 void* QBMemory::operator new(size_t size) {
     void* p = QBAllocator::allocate(size);

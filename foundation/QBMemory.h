@@ -19,8 +19,11 @@ public:
     }
 
     // Fault injection for tests: the n-th allocation from now (1 = the next one) fails, and every
-    // later one succeeds again. 0 turns it off.
-    static void failAllocationAfter(unsigned n);
+    // later one succeeds again. 0 turns it off. Gives what was left of the previous countdown, so
+    // 0 after a countdown says that its failure happened.
+    static unsigned failAllocationAfter(unsigned n);
+    // Blocks allocated and not yet freed: a test sees that a round frees everything it made.
+    static size_t liveBlocks();
 };
 
 // Base of every heap object in the engine: no state, and new/delete go to QBAllocator.

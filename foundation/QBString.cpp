@@ -75,7 +75,7 @@ int QBString::cow(unsigned newCapacity, unsigned extra) {
     // insert, setLength); one that is only unshared gets exactly its length.
     unsigned cap = need > len ? need + need / 2 : need;
     Body* fresh = allocBody(cap);
-    if (!fresh) return ERR_NOMEM;
+    if (!fresh) return qbmsg::OutOfMemory;
     if (len) std::memcpy(fresh->data, body->data, len);
     fresh->length = len;
     fresh->data[len] = 0;
@@ -126,7 +126,7 @@ QBString& QBString::operator=(QBString&& other) noexcept {
 int QBString::set(const QBString& other) {
     if (body == other.body) return 0;
     QBString copy(other);
-    if (copy.body == nullptr && other.body) return ERR_NOMEM;
+    if (copy.body == nullptr && other.body) return qbmsg::OutOfMemory;
     *this = static_cast<QBString&&>(copy);
     return 0;
 }
@@ -137,7 +137,7 @@ int QBString::assignText(const char* text, unsigned length) {
         std::memmove(body->data, text, length);
     } else {
         Body* fresh = allocBody(length);
-        if (!fresh) return ERR_NOMEM;
+        if (!fresh) return qbmsg::OutOfMemory;
         if (length) std::memcpy(fresh->data, text, length);
         releaseBody(body);
         body = fresh;
@@ -189,7 +189,7 @@ int QBString::replaceRange(unsigned start, unsigned count, const char* text, uns
         // text may point into this very body: copy it first if the body will move
         QBString keep;
         if (body && text >= body->data && text < body->data + len + 1) {
-            if (keep.assignText(text, tlen)) return ERR_NOMEM;
+            if (keep.assignText(text, tlen)) return qbmsg::OutOfMemory;
             text = keep.get();
         }
         if (int rc = cow(0, tlen - count)) return rc;
@@ -309,13 +309,13 @@ int QBString::replaceAll(const char* from, unsigned fromLength, const char* to, 
                          int caseSensitive) {
     if (!from || fromLength == 0 || isEmpty()) return 0;
     QBString result{size_t(length())};
-    if (result.isNull()) return ERR_NOMEM;
+    if (result.isNull()) return qbmsg::OutOfMemory;
     const char* d = get();
     unsigned len = length(), i = 0, done = 0;
     while (i + fromLength <= len) {
         if (sameBytes(d + i, from, fromLength, caseSensitive)) {
             if (result.append(d + done, i - done) || result.append(to ? to : "", toLength))
-                return ERR_NOMEM;
+                return qbmsg::OutOfMemory;
             i += fromLength;
             done = i;
         } else {
@@ -323,7 +323,7 @@ int QBString::replaceAll(const char* from, unsigned fromLength, const char* to, 
         }
     }
     if (done == 0) return 0;
-    if (result.append(d + done, len - done)) return ERR_NOMEM;
+    if (result.append(d + done, len - done)) return qbmsg::OutOfMemory;
     *this = static_cast<QBString&&>(result);
     return 0;
 }
@@ -334,7 +334,7 @@ int QBString::pad(unsigned n, char fill) { return n > length() ? setLength(n, fi
 
 int QBString::surround(const char* left, const char* right) {
     QBString r(left ? left : "");
-    if (r.append(*this) || r.append(right)) return ERR_NOMEM;
+    if (r.append(*this) || r.append(right)) return qbmsg::OutOfMemory;
     *this = static_cast<QBString&&>(r);
     return 0;
 }
@@ -380,7 +380,7 @@ int QBString::nullTerminate() {
 int QBString::linkToExternalBuffer(char* buffer, unsigned capacity, unsigned length) {
     if (!buffer || capacity == 0) return -1;
     void* mem = QBAllocator::allocate(sizeof(ExternalBody));
-    if (!mem) return ERR_NOMEM;
+    if (!mem) return qbmsg::OutOfMemory;
     ExternalBody* b = static_cast<ExternalBody*>(mem);
     b->data = buffer;
     b->capacity = capacity - 1;  // room for the terminator
@@ -394,7 +394,7 @@ int QBString::linkToExternalBuffer(char* buffer, unsigned capacity, unsigned len
 int QBString::breakLinkToExternalBuffer() {
     if (!isUsingExternalBuffer()) return 0;
     QBString copy;
-    if (copy.assignText(get(), length())) return ERR_NOMEM;
+    if (copy.assignText(get(), length())) return qbmsg::OutOfMemory;
     *this = static_cast<QBString&&>(copy);
     return 0;
 }
@@ -490,18 +490,18 @@ int QBString::pos(const QBString& text, unsigned start, int caseSensitive) const
 int QBString::cpos(char c, unsigned start) const {
     for (unsigned i = start; i < length(); ++i)
         if (body->data[i] == c) return int(i);
-    return ERR_NOTFOUND;
+    return qbmsg::NotInList;
 }
 int QBString::cpos(const char* set, unsigned start) const {
-    if (!set) return ERR_NOTFOUND;
+    if (!set) return qbmsg::NotInList;
     for (unsigned i = start; i < length(); ++i)
         if (body->data[i] && std::strchr(set, body->data[i])) return int(i);
-    return ERR_NOTFOUND;
+    return qbmsg::NotInList;
 }
 int QBString::rcpos(char c) const {
     for (unsigned i = length(); i-- > 0;)
         if (body->data[i] == c) return int(i);
-    return ERR_NOTFOUND;
+    return qbmsg::NotInList;
 }
 int QBString::countAll(char c) const {
     int n = 0;
@@ -586,7 +586,7 @@ int QBString::split(char separator, QBArray<QBString>& pieces, bool keepEmpty) c
         int at = cpos(separator, start);
         unsigned end = at < 0 ? len : unsigned(at);
         if (keepEmpty || end > start) {
-            if (pieces.add(sub(start, end - start))) return ERR_NOMEM;
+            if (pieces.add(sub(start, end - start))) return qbmsg::OutOfMemory;
         }
         start = end + 1;
     }

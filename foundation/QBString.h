@@ -2,13 +2,15 @@
 //
 // A body holds: data, length (32 bits), a 16-bit sharing count, then the characters inline or,
 // for a string linked to an external buffer, that buffer's capacity. Results are int statuses:
-// 0 or above for success, -8 for out of memory; a failed write leaves the string as it was.
+// 0 or above for success, OutOfMemory when memory runs out; a failed write leaves the string
+// as it was.
 #pragma once
 
 #include <cstddef>
 #include <cstdint>
 
 #include "QBMemory.h"
+#include "QBMessageCodes.h"
 
 namespace quernbase {
 
@@ -22,7 +24,6 @@ template <class T> class QBArray;
 
 class QBString {
 public:
-    enum { ERR_NOMEM = -8, ERR_NOTFOUND = -3022 };
 
     // Construction
     QBString() : body(nullptr) {}

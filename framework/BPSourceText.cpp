@@ -2,6 +2,7 @@
 
 #include <new>
 
+#include "QBMessageCodes.h"
 #include "qbapi.h"
 
 using quernbase::QBString;
@@ -13,12 +14,8 @@ int qbReadFileToString(const QBString& fileName, QBString& out, int reserved1, i
 
 namespace {
 
-const int ERR_NOMEM = -8;
-const int ERR_BADNAME = -3015;
-const int ERR_NOREADER = -2;  // as for a file that cannot be found
-
 int readWithHost(const QBString& name, QBString& out) {
-    if (!&qbReadFileToString) return ERR_NOREADER;
+    if (!&qbReadFileToString) return qbmsg::FileNotFound;
     return qbReadFileToString(name, out, 0, 0, 0);
 }
 
@@ -55,11 +52,11 @@ bool BPSourceHandle::operator==(const BPSourceHandle& other) const {
 int BPSourceHandle::makePrivate() {
     if (!record) {
         record = new (std::nothrow) BPSourceText;
-        return record ? 0 : ERR_NOMEM;
+        return record ? 0 : qbmsg::OutOfMemory;
     }
     if (record->refCount < 2) return 0;
     BPSourceText* copy = new (std::nothrow) BPSourceText;
-    if (!copy) return ERR_NOMEM;
+    if (!copy) return qbmsg::OutOfMemory;
     copy->kind = record->kind;
     copy->includeOnce = record->includeOnce;
     copy->isSystem = record->isSystem;
@@ -77,7 +74,7 @@ int BPSourceHandle::makePrivate() {
 
 int BPSourceHandle::adoptText(const QBString& text) {
     QBString stored(text);
-    if (stored.makeNotNull() != 0 || stored.nullTerminate() != 0) return ERR_NOMEM;
+    if (stored.makeNotNull() != 0 || stored.nullTerminate() != 0) return qbmsg::OutOfMemory;
     record->text = stored;
     record->length = record->text.length();
     record->begin = record->text.get();
@@ -86,12 +83,12 @@ int BPSourceHandle::adoptText(const QBString& text) {
 }
 
 int BPSourceHandle::load(const QBString& name) {
-    if (name.isEmpty()) return ERR_BADNAME;
+    if (name.isEmpty()) return qbmsg::InvalidArgument;
     if (int rc = makePrivate()) return rc;
     QBString text;
     int rc = readFile(name, text);
     if (rc < 0) return rc;
-    if (adoptText(text) != 0) return ERR_NOMEM;
+    if (adoptText(text) != 0) return qbmsg::OutOfMemory;
     record->fileName = name;
     record->firstLine = 1;
     record->seekBase = 0;

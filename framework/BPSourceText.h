@@ -53,12 +53,12 @@ public:
     bool operator!=(const BPSourceHandle& other) const { return !(*this == other); }
 
     // Gives this handle a record of its own: a new empty one if null, a copy (sharing the
-    // text's body) if the record is shared. 0 or -8.
+    // text's body) if the record is shared. 0 or OutOfMemory.
     int makePrivate();
-    // Reads a file into this handle's (private) record. -3015 for an empty name; a failed read
-    // gives its status and leaves the text as it was.
+    // Reads a file into this handle's (private) record. InvalidArgument for an empty name; a
+    // failed read gives its status and leaves the text as it was.
     int load(const quernbase::QBString& name);
-    // Replaces the text of this handle's (private) record. 0 or -8.
+    // Replaces the text of this handle's (private) record. 0 or OutOfMemory.
     int setText(const quernbase::QBString& text);
     // A new record of kind TEXT: a macro body or generated fragment that reports lines and
     // seek positions of the place it came from. A null handle if memory runs out.

@@ -3,9 +3,6 @@
 using quernbase::QBArray;
 using quernbase::QBString;
 
-namespace {
-const int NOTE_WRITTEN_PLACE = -8079;
-}
 
 int CPParseTree::analyze(CPParseTree*, unsigned) { return 0; }
 
@@ -16,7 +13,7 @@ int CPParseTree::noteWrittenPlace(CPToken* leaf) {
     const BPSourcePosition* there = written->getPosition();
     if (!there || there->source.isNull()) return 0;
     if (here && here->source.get() == there->source.get() && here->cursor == there->cursor) return 0;
-    return logWarning(there, NOTE_WRITTEN_PLACE);
+    return logWarning(there, qbmsg::InMacroExpansion);
 }
 
 CPSymbolInfo* CPParseTree::findSymbol(const QBString&, CPParseTree*, unsigned,
@@ -41,7 +38,7 @@ int CPParseTree::recover(CPTokenSource& source) {
     for (;;) {
         CPParseNodeType t = source.currentType();
         if (t == CPT_EOF || t == CPT_EOS) {
-            logErrorAtSource(source, -8003);
+            logErrorAtSource(source, qbmsg::UnexpectedEndOfFile);
             return -1;
         }
         if (isSyncToken(t)) return 0;
@@ -61,7 +58,7 @@ int CPParseTree::recoverTo(CPTokenSource& source, CPParseNodeType stopType, bool
             return 0;
         }
         if (t == CPT_EOF || t == CPT_EOS) {
-            logErrorAtSource(source, -8003);
+            logErrorAtSource(source, qbmsg::UnexpectedEndOfFile);
             return -1;
         }
         addChild(source.currentToken());
@@ -86,7 +83,7 @@ int CPParseTree::replaceChildren(unsigned index, unsigned count, CPParseNode* no
 
 int CPParseTree::insertBeside(CPParseNode* node, bool after) {
     CPParseNode* p = getParent();
-    if (!p || !p->isTree()) return ERR_NULLARG;
+    if (!p || !p->isTree()) return qbmsg::BadArgument;
     CPParseTree* tree = static_cast<CPParseTree*>(p);
     int at = tree->indexOfChild(this, false);
     return at < 0 ? ERR_BADINDEX : tree->insertChild(unsigned(at), node, after);

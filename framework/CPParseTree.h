@@ -47,7 +47,7 @@ public:
     virtual CPSymbolInfo* findSymbolInFile(const quernbase::QBString& name,
                                            const quernbase::QBString& file, uint32_t seek);
     // Skips to the first synchronising token, keeping every skipped token as a child.
-    // -1 when the end of the input came first (logged as -8003).
+    // -1 when the end of the input came first (logged as UnexpectedEndOfFile).
     virtual int recover(CPTokenSource& source);
     // Skips, keeping the tokens, up to a token of type; with keep that token is taken too.
     virtual int recoverTo(CPTokenSource& source, CPParseNodeType stopType, bool keep);

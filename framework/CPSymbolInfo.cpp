@@ -13,7 +13,7 @@ int appendSignature(QBString& out, const CPSymbolInfo::TypeInfo& function,
     out += ")";
     if (qualified.isConst()) out += " const";
     if (qualified.isVolatile()) out += " volatile";
-    return out.isNull() ? QBString::ERR_NOMEM : 0;
+    return out.isNull() ? qbmsg::OutOfMemory : 0;
 }
 
 }  // namespace

@@ -116,7 +116,7 @@ int CPTypeInfo::relinkKeepingValue(Base* target) {
     Value kept;
     const Value* shown = getValue();
     bool hadValue = shown != nullptr;
-    if (hadValue && kept.copyFrom(*shown) != 0) return ERR_NOMEM;
+    if (hadValue && kept.copyFrom(*shown) != 0) return qbmsg::OutOfMemory;
     int rc = setReference(target, false);
     if (rc == 0 && hadValue) rc = setValue(&kept);
     return rc;
@@ -126,13 +126,13 @@ int CPTypeInfo::resolve(bool followTypedefs) {
     uint32_t all = flags;
     const Base* t = this;
     for (int steps = 0;; ++steps) {
-        if (steps >= MAX_STEPS) return ERR_WRONGKIND;
+        if (steps >= MAX_STEPS) return qbmsg::BadArgument;
         uint32_t k = t->getRawKind();
         const Base* next = CPTypeInfo::isLinkKind(k) ? t->getReferenceTarget()
                            : followTypedefs && k == BPTYPE_Typedef ? t->getAliasedType()
                                                                     : t;
         if (next == t) break;
-        if (!next) return ERR_WRONGKIND;
+        if (!next) return qbmsg::BadArgument;
         t = next;
         all |= flagsOf(t);
     }
@@ -140,7 +140,7 @@ int CPTypeInfo::resolve(bool followTypedefs) {
     Value kept;
     const Value* shown = getValue();
     bool hadValue = shown != nullptr;
-    if (hadValue && kept.copyFrom(*shown) != 0) return ERR_NOMEM;
+    if (hadValue && kept.copyFrom(*shown) != 0) return qbmsg::OutOfMemory;
     if (int rc = copyFrom(*t)) return rc;
     flags = all;
     return hadValue ? setValue(&kept) : 0;
@@ -149,7 +149,7 @@ int CPTypeInfo::resolve(bool followTypedefs) {
 int CPTypeInfo::stripVariable() {
     if (getKind() != BPTYPE_Variable) return 0;
     Base* type = getVariableType();
-    if (!type) return ERR_WRONGKIND;
+    if (!type) return qbmsg::BadArgument;
     bool lvalue = isLValue();
     if (int rc = relinkKeepingValue(type)) return rc;
     flags = lvalue ? uint32_t(CPTYPE_LValue) : 0u;
@@ -159,7 +159,7 @@ int CPTypeInfo::stripVariable() {
 int CPTypeInfo::stripTypedef() {
     for (int steps = 0; getKind() == BPTYPE_Typedef; ++steps) {
         Base* aliased = getAliasedType();
-        if (!aliased || steps >= MAX_STEPS) return ERR_WRONGKIND;
+        if (!aliased || steps >= MAX_STEPS) return qbmsg::BadArgument;
         uint32_t cv = getChainFlags() & (CPTYPE_Const | CPTYPE_Volatile | CPTYPE_LValue);
         if (int rc = relinkKeepingValue(aliased)) return rc;
         flags |= cv;
@@ -172,11 +172,11 @@ int CPTypeInfo::normalize() {
     if (int rc = stripTypedef()) return rc;
     if (getKind() == BPTYPE_Reference) {
         Base* target = getPointedType();
-        if (!target) return ERR_WRONGKIND;
+        if (!target) return qbmsg::BadArgument;
         Value referred;
         const Value* shown = getValue();
         bool hasReferred = shown && shown->getKind() == BPVALUE_Reference && shown->getReferredValue();
-        if (hasReferred && referred.copyFrom(*shown->getReferredValue()) != 0) return ERR_NOMEM;
+        if (hasReferred && referred.copyFrom(*shown->getReferredValue()) != 0) return qbmsg::OutOfMemory;
         uint32_t kept = flags & CPTYPE_LValue;
         if (int rc = hasReferred ? setReference(target, false) : relinkKeepingValue(target)) return rc;
         flags = kept | CPTYPE_LValue;  // what a reference designates is an object
@@ -218,18 +218,18 @@ int CPTypeInfo::toFunctionType() {
         Symbol* symbol = function->getSymbol();
         Tree* owner = symbol ? symbol->getScope() : nullptr;
         result = owner ? owner->getTypeInfo() : nullptr;
-        if (!result) return ERR_WRONGKIND;
+        if (!result) return qbmsg::BadArgument;
     }
     flags = 0;
     return setReference(result, false);
 }
 
 int CPTypeInfo::arrayToPointer() {
-    if (getKind() != BPTYPE_Array) return ERR_WRONGKIND;
+    if (getKind() != BPTYPE_Array) return qbmsg::BadArgument;
     Base* element = getElementType();
     Value pointer;
     const Value* shown = getValue();
-    if (shown && pointer.setPointedValue(*shown) != 0) return ERR_NOMEM;
+    if (shown && pointer.setPointedValue(*shown) != 0) return qbmsg::OutOfMemory;
     setKind(BPTYPE_Pointer, false);
     record = element;
     return shown ? setValue(&pointer) : 0;

@@ -6,8 +6,9 @@
 //
 // Every node of the tree embeds one by value, so the class is complete here; the operations
 // are out of line in CPTypeInfo*.cpp. No operation logs a diagnostic: they answer 0, -1 for a
-// conversion that doesn't exist, -8021 for a wrong kind or a broken reference chain, -8029 for
-// a narrowing that only an explicit conversion may make, and the caller reports.
+// conversion that doesn't exist, BadArgument for a wrong kind or a broken reference chain,
+// NoSimpleConversion for a narrowing that only an explicit conversion may make, and the caller
+// reports.
 //
 // Sub-types in records are shared and may be plain framework types (an argument list made by
 // addArgument is one); the flag word of a sub-type is read through flagsOf, never by a cast.
@@ -25,7 +26,7 @@ public:
     typedef Base::Value Value;
     typedef Base::Symbol Symbol;
     typedef Base::SeenSet SeenSet;
-    enum { ERR_NOCONVERSION = -1, ERR_NARROWING = -8029, RANK_EXACT = 10 };
+    enum { ERR_NOCONVERSION = -1, RANK_EXACT = 10 };
 
     explicit CPTypeInfo(uint32_t typeKind = BPTYPE_Null) : Base(typeKind) {}
     CPTypeInfo(const CPTypeInfo& other) : Base(other), flags(other.flags) {}
@@ -93,7 +94,7 @@ public:
     // Marks this type; with followReferences the end of its chain as well.
     void setFunctionCalled(bool value, bool followReferences);
 
-    // ---- Type operations (CPTypeInfo.cpp). 0, or -8021 for a wrong kind or dead end ----
+    // ---- Type operations (CPTypeInfo.cpp). 0, or BadArgument for a wrong kind or dead end ----
     // Replaces this type by the end of its chain, through typedefs when asked; the flags of
     // every link are OR-ed in and this type's value stays.
     int resolve(bool followTypedefs);
@@ -123,7 +124,7 @@ public:
 
     // ---- Conversions (CPTypeInfoConvert.cpp, CPTypeInfoImplicit.cpp) ----
     // Tests and performs the conversion of type to the simple type name, value included.
-    // 0, -1, or -8029 for a narrowing that needs explicitly.
+    // 0, -1, or NoSimpleConversion for a narrowing that needs explicitly.
     static int convertSimple(CPTypeInfo& type, CPSimpleTypeName name, Tree* node, bool explicitly);
     // Brings both operands to their common arithmetic type. 0 or -1.
     static int usualArithmetic(CPTypeInfo& left, CPTypeInfo& right, Tree* leftNode, Tree* rightNode);

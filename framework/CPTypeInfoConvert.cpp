@@ -30,16 +30,17 @@ const uint32_t LONGLONG = bit(CPSIMPLE_SignedLongLong) | bit(CPSIMPLE_UnsignedLo
 const uint32_t LONG = bit(CPSIMPLE_SignedLong) | bit(CPSIMPLE_UnsignedLong);
 const uint32_t SHORT = bit(CPSIMPLE_SignedShort) | bit(CPSIMPLE_UnsignedShort);
 
-// Sources each target refuses without explicitly; the first two answer -8029, the rest -1.
+// Sources each target refuses without explicitly; the first two answer NoSimpleConversion, the
+// rest -1.
 struct Refusal {
     uint32_t sources;
     int status;
 };
 const Refusal refusals[CPSIMPLE_LAST + 1] = {
     {0, 0},                                                                                // none
-    {~(bit(CPSIMPLE_None) | bit(CPSIMPLE_Bool) | bit(CPSIMPLE_Void)), CPTypeInfo::ERR_NARROWING},  // bool
+    {~(bit(CPSIMPLE_None) | bit(CPSIMPLE_Bool) | bit(CPSIMPLE_Void)), qbmsg::NoSimpleConversion},  // bool
     {0, 0},                                                                                // void
-    {FLOATING | LONG | LONGLONG, CPTypeInfo::ERR_NARROWING},                               // wchar_t
+    {FLOATING | LONG | LONGLONG, qbmsg::NoSimpleConversion},                               // wchar_t
     {bit(CPSIMPLE_Double) | bit(CPSIMPLE_LongDouble) | LONGLONG | bit(CPSIMPLE_UnsignedLong), -1},
     {bit(CPSIMPLE_LongDouble) | LONGLONG, -1},                                             // double
     {LONGLONG, -1},                                                                        // long double
@@ -228,8 +229,8 @@ static void balanceIntegers(CPTypeInfo& left, CPTypeInfo& right, CPTypeInfo::Tre
 
 int CPTypeInfo::usualArithmetic(CPTypeInfo& left, CPTypeInfo& right, Tree* leftNode, Tree* rightNode) {
     if (left.resolve(true) || right.resolve(true)) return ERR_NOCONVERSION;
-    if (left.getKind() == BPTYPE_Enumeration && enumerationToInt(left)) return ERR_NOMEM;
-    if (right.getKind() == BPTYPE_Enumeration && enumerationToInt(right)) return ERR_NOMEM;
+    if (left.getKind() == BPTYPE_Enumeration && enumerationToInt(left)) return qbmsg::OutOfMemory;
+    if (right.getKind() == BPTYPE_Enumeration && enumerationToInt(right)) return qbmsg::OutOfMemory;
     if (left.getKind() != BPTYPE_Simple || right.getKind() != BPTYPE_Simple) return ERR_NOCONVERSION;
     CPSimpleTypeName l = left.getSimpleName(), r = right.getSimpleName();
     static const CPSimpleTypeName floating[] = {CPSIMPLE_LongDouble, CPSIMPLE_Double, CPSIMPLE_Float};

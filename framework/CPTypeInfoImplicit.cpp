@@ -141,7 +141,7 @@ int CPTypeInfo::findConversionFunction(CPTypeInfo& classType, const Base* target
     if (!text.isEmpty()) pick = findMemberFunction(classType, QBString("operator ") + text, 0);
     if (!pick) {
         SymbolList candidates;
-        if (collectConversions(classType, candidates, 0) != 0) return ERR_NOMEM;
+        if (collectConversions(classType, candidates, 0) != 0) return qbmsg::OutOfMemory;
         int best = -1;
         for (Symbol* symbol : candidates) {
             const Base* result = functionOf(symbol)->getReturnType();

@@ -79,10 +79,10 @@ uint32_t CPSimpleTypeKeywords::rejectMask(int tokenKind) {
 
 int CPSimpleTypeKeywords::add(uint32_t& bits, int tokenKind) {
     const KeywordRow* row = rowOf(tokenKind);
-    if (!row) return ERR_NOTKEYWORD;
-    if (bits & row->rejectMask) return ERR_REFUSED;
+    if (!row) return qbmsg::BadArgument;
+    if (bits & row->rejectMask) return qbmsg::SyntaxError;
     uint32_t next = bits | bitOf(tokenKind, bits);
-    if (nameOf(next) == CPSIMPLE_None) return ERR_REFUSED;
+    if (nameOf(next) == CPSIMPLE_None) return qbmsg::SyntaxError;
     bits = next;
     return 0;
 }

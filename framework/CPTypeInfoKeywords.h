@@ -6,13 +6,14 @@
 // A type specifier keeps the seen keywords as bits (its simpleTypeBits); each keyword also has
 // the mask of bits that refuse it. A keyword is refused when its mask meets the bits, or when
 // the bits with it are no subset of an accepted set: the second test catches the orders that
-// the masks let through ("double long long"). The grammar logs a refusal as -8001 with the
+// the masks let through ("double long long"). The grammar logs a refusal as SyntaxError with the
 // refused token's text.
 #pragma once
 
 #include <cstdint>
 
 #include "CPSimpleTypeName.h"
+#include "QBMessageCodes.h"
 
 enum CPSimpleTypeBit : uint32_t {
     CPSIMPLEBIT_Char = 0x1,
@@ -31,7 +32,6 @@ enum CPSimpleTypeBit : uint32_t {
 
 class CPSimpleTypeKeywords {
 public:
-    enum { ERR_REFUSED = -8001, ERR_NOTKEYWORD = -8021 };
 
     // True for the token kinds of char, wchar_t, bool, short, int, long, signed, unsigned,
     // float, double and void.
@@ -41,8 +41,8 @@ public:
     static uint32_t bitOf(int tokenKind, uint32_t bits);
     // The bits that refuse the keyword; 0 for a token that is no built-in type keyword.
     static uint32_t rejectMask(int tokenKind);
-    // Adds the keyword to bits. 0; -8001 when it can't join the keywords seen; -8021 for a
-    // token that is no built-in type keyword. bits is unchanged on failure.
+    // Adds the keyword to bits. 0; SyntaxError when it can't join the keywords seen; BadArgument
+    // for a token that is no built-in type keyword. bits is unchanged on failure.
     static int add(uint32_t& bits, int tokenKind);
     // The type a complete set names; CPSIMPLE_None for no bits or a set no sequence makes.
     // wideChar is what wchar_t stands for where the keywords are (getWideCharType).

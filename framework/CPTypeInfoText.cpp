@@ -26,13 +26,13 @@ int appendList(QBString& out, const Base* list, const SeenSet& seen, bool normal
         if (i > 0) out += ", ";
         if (int rc = appendType(out, list->getArgumentType(i), seen, normalize, false)) return rc;
     }
-    return out.isNull() ? QBString::ERR_NOMEM : 0;
+    return out.isNull() ? qbmsg::OutOfMemory : 0;
 }
 
 int appendQualifiers(QBString& out, const Base& t) {
     if (t.isConst()) out += " const";
     if (t.isVolatile()) out += " volatile";
-    return out.isNull() ? QBString::ERR_NOMEM : 0;
+    return out.isNull() ? qbmsg::OutOfMemory : 0;
 }
 
 // A node's own spelling, without the whitespace before it.
@@ -91,7 +91,7 @@ int CPTypeInfo::appendFunctionText(QBString& out, const SeenSet& seen, bool norm
     if (normalize)
         if (int rc = appendOwnerScope(out)) return rc;
     out += t->getName();
-    if (noReturn) return out.isNull() ? QBString::ERR_NOMEM : 0;
+    if (noReturn) return out.isNull() ? qbmsg::OutOfMemory : 0;
     out += "(";
     if (int rc = appendList(out, t->getArguments(), seen, normalize)) return rc;
     out += ")";

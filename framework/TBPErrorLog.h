@@ -14,13 +14,12 @@
 #include "BPSourceText.h"
 #include "QBArray.h"
 #include "QBHashTable.h"
+#include "QBMessageCodes.h"
 #include "QBString.h"
 
 template <class T> class TBPSymbolInfo;
 
 enum BPSeverity { BPSEVERITY_WARNING = 1, BPSEVERITY_ERROR = 2, BPSEVERITY_FATAL = 3 };
-
-enum BPMessagePrefix { BPMSG_ERROR_PREFIX = -8000, BPMSG_WARNING_PREFIX = -8015 };
 
 // A plain record, stored by value in the log's array.
 template <class T>
@@ -55,7 +54,7 @@ struct TBPErrorInfo {
         return rc < 0 ? rc : 0;
     }
 
-    // Appends a number as one more argument. 0 or -8.
+    // Appends a number as one more argument. 0 or OutOfMemory.
     int addNumber(int64_t value) {
         quernbase::QBString text("");
         if (int rc = text.appendNumber(value, 10)) return rc;
@@ -102,7 +101,7 @@ public:
         modified = other.modified;
     }
 
-    // Appends copies of all of other's records. 0 or -8.
+    // Appends copies of all of other's records. 0 or OutOfMemory.
     int merge(const TBPErrorLog& other) {
         if (&other == this) return 0;
         for (const Record& record : other.errors)
@@ -116,7 +115,7 @@ public:
         const unsigned count = record.arguments.count();
         for (unsigned i = 0; i < count && i < Record::ARG_FIRST_MESSAGE_ARG; ++i)
             BPHostMessages::setMessageParameter(int(i), textOf(record.arguments[i]));
-        int prefix = record.isWarning() ? BPMSG_WARNING_PREFIX : BPMSG_ERROR_PREFIX;
+        int prefix = record.isWarning() ? qbmsg::WarningPrefix : qbmsg::ErrorPrefix;
         if (int rc = out.append(BPHostMessages::getMessage(prefix))) return rc;
         for (unsigned i = Record::ARG_FIRST_MESSAGE_ARG; i < count; ++i)
             BPHostMessages::setMessageParameter(int(i - Record::ARG_FIRST_MESSAGE_ARG),
@@ -152,11 +151,11 @@ public:
         return 0;
     }
 
-    // Makes or overwrites fileName's entry with a fresh list of this log's texts. 0 or -8.
+    // Makes or overwrites fileName's entry with a fresh list of this log's texts. 0 or OutOfMemory.
     int storeTexts(ErrorFiles& errorFiles, const quernbase::QBString& fileName) const {
         if (int rc = errorFiles.set(fileName, quernbase::QBArray<quernbase::QBString>())) return rc;
         quernbase::QBArray<quernbase::QBString>* list = errorFiles.find(fileName);
-        return list ? appendTexts(*list) : -8;
+        return list ? appendTexts(*list) : qbmsg::OutOfMemory;
     }
 
 private:

@@ -35,7 +35,7 @@ public:
 
     Token* readToken() override;
     virtual bool isIdentifierChar(int c) const { return charType.isCSym(c); }
-    // Reads text next, as if it stood at the current place. 0 or -8.
+    // Reads text next, as if it stood at the current place. 0 or OutOfMemory.
     virtual int pushText(const quernbase::QBString& text);
     virtual int pushSource(const BPSourceHandle& handle);
     // -1 with no source.
@@ -125,7 +125,7 @@ private:
 
 template <class T>
 int TBPLexer<T>::pushSource(const BPSourceHandle& handle) {
-    if (handle.isNull()) return TBPParseNode<T>::ERR_NULLARG;
+    if (handle.isNull()) return qbmsg::BadArgument;
     sourceChanged = true;
     BPSourcePosition position;
     position.source = handle;
@@ -151,7 +151,7 @@ int TBPLexer<T>::pushText(const quernbase::QBString& text) {
     uint32_t firstLine = top ? top->getLine() : 1;
     uint32_t seekBase = top ? top->getSeekPosition() : 0;
     BPSourceHandle handle = BPSourceHandle::makeTextSource(text, firstLine, seekBase);
-    if (handle.isNull()) return TBPParseNode<T>::ERR_NOMEM;
+    if (handle.isNull()) return qbmsg::OutOfMemory;
     return pushSource(handle);
 }
 

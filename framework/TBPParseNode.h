@@ -15,6 +15,7 @@
 
 #include "BPRefCountObject.h"
 #include "BPSourceText.h"
+#include "QBMessageCodes.h"
 #include "QBString.h"
 #include "TBPErrorLog.h"
 
@@ -68,7 +69,7 @@ public:
     typedef TBPErrorLog<T> ErrorLog;
     typedef TBPToken<T> Token;
     typedef TBPParseTree<T> Tree;
-    enum { ERR_NOMEM = -8, ERR_BADINDEX = -1, ERR_NULLARG = -8021 };
+    enum { ERR_BADINDEX = -1 };
 
     explicit TBPParseNode(T nodeType) : type(nodeType) {}
     TBPParseNode(const TBPParseNode&) = delete;
@@ -201,7 +202,7 @@ public:
     bool isValid() const { return attributes && attributes->valid; }
     int setValidated(bool valid) {
         ErrorLog* log = ensureAttributes();
-        if (!log) return ERR_NOMEM;
+        if (!log) return qbmsg::OutOfMemory;
         log->validated = true;
         log->valid = valid;
         return 0;
@@ -220,7 +221,7 @@ public:
     int setErrorFlag(bool propagate) {
         for (TBPParseNode* node = this; node; node = propagate ? node->parent : nullptr) {
             ErrorLog* log = node->ensureAttributes();
-            if (!log) return ERR_NOMEM;
+            if (!log) return qbmsg::OutOfMemory;
             log->hasError = true;
         }
         return 0;
@@ -262,7 +263,7 @@ public:
     }
     int addReferringSymbol(TBPSymbolInfo<T>* symbol) {
         ErrorLog* log = ensureAttributes();
-        return log ? log->references.add(symbol) : ERR_NOMEM;
+        return log ? log->references.add(symbol) : qbmsg::OutOfMemory;
     }
     // Takes out the last occurrence of symbol, if any.
     void removeReferringSymbol(const TBPSymbolInfo<T>* symbol) {
@@ -330,7 +331,7 @@ private:
                    const quernbase::QBString& c, const quernbase::QBString& d,
                    const quernbase::QBString& e) {
         ErrorLog* log = ensureAttributes();
-        if (!log) return ERR_NOMEM;
+        if (!log) return qbmsg::OutOfMemory;
         const quernbase::QBString* args[] = {&a, &b, &c, &d, &e};
         typename ErrorLog::Record record;
         if (int rc = record.make(position, code, severity, args)) return rc;

@@ -124,17 +124,17 @@ public:
 
     // Symbols of the scope this node opens (see TBPSymbolTable.h).
     TBPSymbolTable<T>* getSymbolTable() const { return symbols; }
-    // Makes the table with that many buckets unless there is one. 0 or -8.
+    // Makes the table with that many buckets unless there is one. 0 or OutOfMemory.
     int reserveSymbols(int buckets);
     // Makes the table on first use; a null symbol only makes it. Takes a count on symbol.
     int addSymbol(TBPSymbolInfo<T>* symbol);
     int addImport(TBPSymbolTable<T>* table);
-    // -3022 without a table; a symbol not listed is a success.
+    // NotInList without a table; a symbol not listed is a success.
     int removeSymbol(TBPSymbolInfo<T>* symbol);
-    // Into target's table, which becomes the symbol's scope. -8021 with a null argument.
+    // Into target's table, which becomes the symbol's scope. BadArgument with a null argument.
     int moveSymbol(TBPSymbolInfo<T>* symbol, TBPParseTree* target);
     // The raw walk: this node's table with its imports, then each parent tree's, up to the
-    // first that has the name. -8020 if none has.
+    // first that has the name. NameNotFound if none has.
     int findSymbols(const quernbase::QBString& name, SymbolList& out) const;
     // The nearest non-empty entry of name, without imports; null if none.
     SymbolList* findSymbolList(const quernbase::QBString& name) const;

@@ -18,10 +18,10 @@
 #include "BPRefCountObject.h"
 #include "QBArray.h"
 #include "QBHashTable.h"
+#include "QBMessageCodes.h"
 #include "QBString.h"
 #include "TBPParseTree.h"
 
-enum BPSymbolStatus { BPSYMBOL_NOTABLE = -3022, BPSYMBOL_NOTFOUND = -8020 };
 
 template <class T>
 class TBPSymbolInfo : public BPRefCountObject {
@@ -29,7 +29,6 @@ public:
     typedef TBPParseNode<T> Node;
     typedef TBPParseTree<T> Tree;
     typedef typename Tree::TypeInfo TypeInfo;
-    enum { ERR_NOMEM = -8, ERR_NULLARG = -8021 };
 
     TBPSymbolInfo(const quernbase::QBString& symbolName, Tree* definitionNode, Tree* scopeNode)
         : name(symbolName), definition(definitionNode), scope(scopeNode) {}
@@ -58,11 +57,11 @@ public:
 
     TBPSymbolInfo* getAlias() const { return alias; }
     // Takes a count on other and drops the old alias's. A link that would close a cycle is
-    // refused with -8021, since references travel the whole chain.
+    // refused with BadArgument, since references travel the whole chain.
     int setAlias(TBPSymbolInfo* other) {
         if (other == this) return 0;
         for (TBPSymbolInfo* s = other; s; s = s->alias)
-            if (s == this) return ERR_NULLARG;
+            if (s == this) return qbmsg::BadArgument;
         BPRefCountObject::assign(alias, other);
         return 0;
     }
@@ -144,7 +143,7 @@ public:
     typedef TBPToken<T> Token;
     typedef quernbase::QBArray<Symbol*> SymbolList;
     typedef quernbase::QBHashTable<quernbase::QBString, SymbolList> Map;
-    enum { ERR_NOMEM = -8, FIRST_BUCKETS = 5 };
+    enum { FIRST_BUCKETS = 5 };
 
     // Null when memory runs out.
     static TBPSymbolTable* create(Tree* owner, int buckets) {
@@ -181,18 +180,18 @@ public:
     template <class F>
     void forEachEntry(F&& visit) const { symbols.forEach(visit); }
 
-    // Appends symbol to its name's entry and takes a count. 0 or -8.
+    // Appends symbol to its name's entry and takes a count. 0 or OutOfMemory.
     int add(Symbol* symbol);
     int addImport(TBPSymbolTable* table) { return table ? imports.add(table) : 0; }
     // Takes every occurrence out, dropping one count for each; an empty entry loses its key.
     int remove(Symbol* symbol);
-    // Appends the symbols of name here and in the imports: see collect. 0 or -8020.
+    // Appends the symbols of name here and in the imports: see collect. 0 or NameNotFound.
     int collectSymbols(const quernbase::QBString& name, SymbolList& out, bool firstOnly) const {
         Visited visited;
         unsigned before = out.count();
         int rc = collect(name, out, firstOnly, visited);
-        if (rc < 0 && rc != BPSYMBOL_NOTFOUND) return rc;
-        return out.count() > before ? 0 : BPSYMBOL_NOTFOUND;
+        if (rc < 0 && rc != qbmsg::NameNotFound) return rc;
+        return out.count() > before ? 0 : qbmsg::NameNotFound;
     }
     // Every entry whose first symbol's name begins with prefix, in bucket order.
     int collectWithPrefix(const quernbase::QBString& prefix, SymbolList& out) const;
@@ -281,12 +280,12 @@ int TBPSymbolTable<T>::collect(const quernbase::QBString& name, SymbolList& out,
     for (TBPSymbolTable* import : imports) {
         if (!import || visited.find(import) >= 0) continue;
         Visited route(visited);
-        if (route.count() != visited.count()) return ERR_NOMEM;
+        if (route.count() != visited.count()) return qbmsg::OutOfMemory;
         int rc = import->collect(name, out, firstOnly, route);
-        if (rc < 0 && rc != BPSYMBOL_NOTFOUND) return rc;
+        if (rc < 0 && rc != qbmsg::NameNotFound) return rc;
         if (firstOnly && out.count() > 0) return 0;
     }
-    return out.count() > 0 ? 0 : BPSYMBOL_NOTFOUND;
+    return out.count() > 0 ? 0 : qbmsg::NameNotFound;
 }
 
 template <class T>
@@ -302,11 +301,11 @@ int TBPSymbolTable<T>::collectWithPrefix(const quernbase::QBString& prefix, Symb
 template <class T>
 TBPSymbolTable<T>* TBPSymbolTable<T>::clone(Tree* newOwner) const {
     TBPSymbolTable* copy = create(newOwner, 2 * symbols.count() + FIRST_BUCKETS);
-    int rc = copy ? 0 : ERR_NOMEM;
+    int rc = copy ? 0 : qbmsg::OutOfMemory;
     symbols.forEach([&](const quernbase::QBString&, const SymbolList& list) {
         for (unsigned i = 0; rc == 0 && i < list.count(); ++i) {
             Symbol* symbolCopy = list[i]->clone();
-            rc = symbolCopy ? copy->add(symbolCopy) : ERR_NOMEM;
+            rc = symbolCopy ? copy->add(symbolCopy) : qbmsg::OutOfMemory;
             if (symbolCopy && rc != 0) delete symbolCopy;
         }
     });
@@ -421,7 +420,7 @@ template <class T>
 int TBPParseTree<T>::reserveSymbols(int buckets) {
     if (symbols) return 0;
     symbols = TBPSymbolTable<T>::create(this, buckets);
-    return symbols ? 0 : Node::ERR_NOMEM;
+    return symbols ? 0 : qbmsg::OutOfMemory;
 }
 
 template <class T>
@@ -439,13 +438,13 @@ int TBPParseTree<T>::addImport(TBPSymbolTable<T>* table) {
 
 template <class T>
 int TBPParseTree<T>::removeSymbol(TBPSymbolInfo<T>* symbol) {
-    if (!symbols) return BPSYMBOL_NOTABLE;
-    return symbol ? symbols->remove(symbol) : Node::ERR_NULLARG;
+    if (!symbols) return qbmsg::NotInList;
+    return symbol ? symbols->remove(symbol) : qbmsg::BadArgument;
 }
 
 template <class T>
 int TBPParseTree<T>::moveSymbol(TBPSymbolInfo<T>* symbol, TBPParseTree* target) {
-    if (!symbol || !target) return Node::ERR_NULLARG;
+    if (!symbol || !target) return qbmsg::BadArgument;
     symbol->addRef();
     int rc = removeSymbol(symbol);
     if (rc == 0) rc = target->addSymbol(symbol);
@@ -459,9 +458,9 @@ int TBPParseTree<T>::findSymbols(const quernbase::QBString& name, SymbolList& ou
     for (const TBPParseTree* tree = this; tree; tree = tree->parentTree()) {
         if (!tree->symbols) continue;
         int rc = tree->symbols->collectSymbols(name, out, false);
-        if (rc != BPSYMBOL_NOTFOUND) return rc;
+        if (rc != qbmsg::NameNotFound) return rc;
     }
-    return BPSYMBOL_NOTFOUND;
+    return qbmsg::NameNotFound;
 }
 
 template <class T>
@@ -503,6 +502,6 @@ template <class T>
 int TBPParseTree<T>::copySymbolsInto(TBPParseTree* copy) const {
     if (!symbols) return 0;
     copy->symbols = symbols->clone(copy);
-    if (!copy->symbols) return Node::ERR_NOMEM;
+    if (!copy->symbols) return qbmsg::OutOfMemory;
     return copy->linkSymbols(this, false);
 }

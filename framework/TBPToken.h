@@ -125,8 +125,8 @@ public:
     }
     // A negative index appends.
     int insertWhitespace(TBPToken* token, int index) {
-        if (!token) return Node::ERR_NULLARG;
-        if (!whitespace && !(whitespace = new (std::nothrow) Holder)) return Node::ERR_NOMEM;
+        if (!token) return qbmsg::BadArgument;
+        if (!whitespace && !(whitespace = new (std::nothrow) Holder)) return qbmsg::OutOfMemory;
         int rc = index < 0 ? whitespace->tokens.add(token)
                            : whitespace->tokens.insertAt(unsigned(index), token);
         if (rc) return rc;
@@ -158,9 +158,9 @@ public:
             if (int rc = shared.add(other->whitespace->tokens[i])) return rc;
         clearWhitespace();
         if (shared.count() == 0) return 0;
-        if (!whitespace && !(whitespace = new (std::nothrow) Holder)) return Node::ERR_NOMEM;
+        if (!whitespace && !(whitespace = new (std::nothrow) Holder)) return qbmsg::OutOfMemory;
         whitespace->tokens = shared;
-        if (whitespace->tokens.count() != shared.count()) return Node::ERR_NOMEM;
+        if (whitespace->tokens.count() != shared.count()) return qbmsg::OutOfMemory;
         for (TBPToken* token : shared) token->addRef();
         return 0;
     }
@@ -179,7 +179,7 @@ protected:
         copy->length = length;
         for (unsigned i = 0; i < getWhitespaceCount(); ++i) {
             Node* ws = whitespace->tokens[i]->clone();
-            if (!ws) return Node::ERR_NOMEM;
+            if (!ws) return qbmsg::OutOfMemory;
             if (int rc = copy->insertWhitespace(static_cast<TBPToken*>(ws), -1)) {
                 delete ws;
                 return rc;

@@ -12,13 +12,13 @@
 
 #include "BPSourceText.h"
 #include "QBMemory.h"
+#include "QBMessageCodes.h"
 #include "TBPToken.h"
 
 template <class T>
 class TBPTokenQueue : public quernbase::QBMemory {
 public:
     typedef TBPToken<T> Token;
-    enum { ERR_NOMEM = -8 };
 
     TBPTokenQueue() = default;
     TBPTokenQueue(const TBPTokenQueue& other) { appendAll(other); }
@@ -36,10 +36,10 @@ public:
     Token* getHead() const { return head ? head->token : nullptr; }
     Token* getTail() const { return tail ? tail->token : nullptr; }
 
-    // Appends with a count on token. 0 or -8.
+    // Appends with a count on token. 0 or OutOfMemory.
     int append(Token* token) {
         Link* link = new (std::nothrow) Link(nullptr, tail, token);
-        if (!link) return ERR_NOMEM;
+        if (!link) return qbmsg::OutOfMemory;
         if (token) token->addRef();
         (tail ? tail->next : head) = link;
         tail = link;

@@ -15,6 +15,7 @@
 
 #include "BPRefCountObject.h"
 #include "QBArray.h"
+#include "QBMessageCodes.h"
 #include "TBPTokenQueue.h"
 
 // Marks a class that reads from a token source.
@@ -29,7 +30,7 @@ public:
     typedef TBPToken<T> Token;
     typedef TBPParseNode<T> Node;
     typedef quernbase::QBArray<Token*> TokenList;
-    enum { ERR_NOMEM = -8, ERR_NOMARK = -1 };
+    enum { ERR_NOMARK = -1 };
 
     TBPTokenSource() = default;
     TBPTokenSource(const TBPTokenSource&) = delete;
@@ -177,7 +178,7 @@ T TBPTokenSource<T>::peekType(int n) {
 
 template <class T>
 int TBPTokenSource<T>::pushToken(Token* token) {
-    if (!token) return Node::ERR_NULLARG;
+    if (!token) return qbmsg::BadArgument;
     TBPTokenQueue<T> ahead;
     if (current) {
         if (int rc = ahead.append(current)) return rc;
@@ -192,7 +193,7 @@ int TBPTokenSource<T>::pushToken(Token* token) {
 template <class T>
 int TBPTokenSource<T>::pushTokens(const TokenList& tokens) {
     if (tokens.count() == 0) return 0;
-    if (!tokens[0]) return Node::ERR_NULLARG;
+    if (!tokens[0]) return qbmsg::BadArgument;
     TBPTokenQueue<T> ahead;
     for (unsigned i = 1; i < tokens.count(); ++i)
         if (int rc = ahead.append(tokens[i])) return rc;
@@ -261,7 +262,7 @@ public:
     ~TBPTreeTokenSource() override { BPRefCountObject::assign(root, static_cast<Node*>(nullptr)); }
 
     Token* readToken() override { return nextLeaf(); }
-    // Starts again at the first leaf of root, which this source counts. 0 or -8.
+    // Starts again at the first leaf of root, which this source counts. 0 or OutOfMemory.
     int restart(Node* newRoot) {
         BPRefCountObject::assign(root, newRoot);
         stack.clear();

@@ -8,7 +8,7 @@
 // makes for itself on its first addArgument. A record's symbol holds a count.
 //
 // Every accessor of a kind's field first walks TypeReference and TemplateParameterTypeReference
-// links to the type they end at; a wrong kind reads as null or 0 and a setter answers -8021.
+// links to the type they end at; a wrong kind reads as null or 0 and a setter answers BadArgument.
 // Links never close into a cycle: setReference refuses one, and the walk is bounded anyway.
 #pragma once
 
@@ -20,6 +20,7 @@
 #include "BPRefCountObject.h"
 #include "QBArray.h"
 #include "QBHashTable.h"
+#include "QBMessageCodes.h"
 #include "QBString.h"
 #include "TBPParseTree.h"
 #include "TBPValue.h"
@@ -63,7 +64,7 @@ public:
     typedef quernbase::QBArray<TBPTypeInfo*> TypeList;
     typedef quernbase::QBArray<quernbase::QBString> NameList;
     typedef quernbase::QBHashTable<quernbase::QBString, bool> SeenSet;
-    enum { ERR_NOMEM = -8, ERR_WRONGKIND = -8021, MAX_DUMP_INDENT = 200 };
+    enum { MAX_DUMP_INDENT = 200 };
 
     explicit TBPTypeInfo(uint32_t typeKind = BPTYPE_Null) : kind(typeKind) {}
     TBPTypeInfo(const TBPTypeInfo& other) : kind(BPTYPE_Null) { copyFrom(other); }
@@ -154,7 +155,7 @@ public:
     }
     int setPointedType(TBPTypeInfo* target) {
         TBPTypeInfo* t = resolved();
-        if (t->kind != BPTYPE_Pointer && t->kind != BPTYPE_Reference) return ERR_WRONGKIND;
+        if (t->kind != BPTYPE_Pointer && t->kind != BPTYPE_Reference) return qbmsg::BadArgument;
         t->record = target;
         return 0;
     }
@@ -394,11 +395,11 @@ protected:
         const TBPTypeInfo* t = resolved();
         return oneOf(t->kind, kinds) ? static_cast<const R*>(t->record) : nullptr;
     }
-    // Runs change on the resolved type's record, made on demand. 0, -8 or -8021.
+    // Runs change on the resolved type's record, made on demand. 0, OutOfMemory or BadArgument.
     template <class R, class F>
     int edit(std::initializer_list<int> kinds, F&& change) {
         TBPTypeInfo* t = resolved();
-        if (!oneOf(t->kind, kinds)) return ERR_WRONGKIND;
+        if (!oneOf(t->kind, kinds)) return qbmsg::BadArgument;
         if (int rc = t->ensureRecord()) return rc;
         change(*static_cast<R*>(t->record));
         return 0;

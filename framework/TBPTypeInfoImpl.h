@@ -41,9 +41,9 @@ int TBPTypeInfo<T, S>::ensureRecord() {
     case BPTYPE_TemplateParameter: record = new (std::nothrow) ParameterRecord; break;
     case BPTYPE_MemberPointer: record = new (std::nothrow) MemberPointerRecord; break;
     case BPTYPE_Range: record = new (std::nothrow) RangeRecord; break;
-    default: return ERR_WRONGKIND;
+    default: return qbmsg::BadArgument;
     }
-    return record ? 0 : ERR_NOMEM;
+    return record ? 0 : qbmsg::OutOfMemory;
 }
 
 template <class T, class S>
@@ -108,7 +108,7 @@ int TBPTypeInfo<T, S>::copyRecord(const TBPTypeInfo& other) {
     case BPTYPE_Range: record = new (std::nothrow) RangeRecord(*static_cast<const RangeRecord*>(r)); break;
     default: return 0;
     }
-    if (!record) return ERR_NOMEM;
+    if (!record) return qbmsg::OutOfMemory;
     // A list made for the source belongs to the copy now.
     if (ListLink* link = listLink(); link && link->owned) link->owned->setOwner(this);
     return 0;
@@ -153,7 +153,7 @@ int TBPTypeInfo<T, S>::setReference(TBPTypeInfo* target, bool keepValue) {
         }
     setKind(BPTYPE_TypeReference, keepValue);
     record = target;
-    return target ? 0 : ERR_WRONGKIND;
+    return target ? 0 : qbmsg::BadArgument;
 }
 
 template <class T, class S>
@@ -174,7 +174,7 @@ int TBPTypeInfo<T, S>::setValue(const Value* newValue) {
         copy = new (std::nothrow) Value;
         if (!copy || copy->copyFrom(*newValue) != 0) {
             delete copy;
-            return ERR_NOMEM;
+            return qbmsg::OutOfMemory;
         }
     }
     delete value;
@@ -232,7 +232,7 @@ int TBPTypeInfo<T, S>::setSymbol(Symbol* symbol) {
     case BPTYPE_TemplateDeclaration: return edit<TemplateRecord>({BPTYPE_TemplateDeclaration}, [&](TemplateRecord& r) { setLink(r.symbol); });
     case BPTYPE_TemplateParameter: return edit<ParameterRecord>({BPTYPE_TemplateParameter}, [&](ParameterRecord& r) { setLink(r.symbol); });
     case BPTYPE_Range: return edit<RangeRecord>({BPTYPE_Range}, [&](RangeRecord& r) { setLink(r.symbol); });
-    default: return ERR_WRONGKIND;
+    default: return qbmsg::BadArgument;
     }
 }
 
@@ -289,7 +289,7 @@ int TBPTypeInfo<T, S>::setTemplateType(TBPTypeInfo* type) {
     case BPTYPE_Union: return edit<ClassRecord>({BPTYPE_Class, BPTYPE_Union}, [&](ClassRecord& r) { r.templateType = type; });
     case BPTYPE_Function: return edit<FunctionRecord>({BPTYPE_Function}, [&](FunctionRecord& r) { r.templateType = type; });
     case BPTYPE_TemplateID: return edit<TemplateIDRecord>({BPTYPE_TemplateID}, [&](TemplateIDRecord& r) { r.templateType = type; });
-    default: return ERR_WRONGKIND;
+    default: return qbmsg::BadArgument;
     }
 }
 
@@ -369,7 +369,7 @@ TBPTypeInfo<T, S>* TBPTypeInfo<T, S>::getArguments() const {
 template <class T, class S>
 int TBPTypeInfo<T, S>::setArguments(TBPTypeInfo* list) {
     uint32_t k = getKind();
-    if (k != BPTYPE_Function && k != BPTYPE_TemplateDeclaration) return ERR_WRONGKIND;
+    if (k != BPTYPE_Function && k != BPTYPE_TemplateDeclaration) return qbmsg::BadArgument;
     if (int rc = resolved()->ensureRecord()) return rc;
     ListLink* link = listLink();
     if (link->owned && link->owned != list) {
@@ -434,11 +434,11 @@ int TBPTypeInfo<T, S>::addArgument(const quernbase::QBString& name, TBPTypeInfo*
         ListLink* link = t->listLink();
         if (!link->list) {
             link->owned = new (std::nothrow) TBPTypeInfo(BPTYPE_ArgumentList);
-            if (!link->owned) return ERR_NOMEM;
+            if (!link->owned) return qbmsg::OutOfMemory;
             link->list = link->owned;
             link->owned->setOwner(t);
         }
-        return link->list == t ? ERR_WRONGKIND : link->list->addArgument(name, type, defaultType);
+        return link->list == t ? qbmsg::BadArgument : link->list->addArgument(name, type, defaultType);
     }
     int rc = 0;
     int status = edit<ArgumentListRecord>({BPTYPE_ArgumentList}, [&](ArgumentListRecord& r) {

@@ -11,6 +11,7 @@
 
 #include "QBArray.h"
 #include "QBMemory.h"
+#include "QBMessageCodes.h"
 #include "QBString.h"
 
 template <class T> class TBPSymbolInfo;
@@ -51,7 +52,6 @@ class TBPValue : public quernbase::QBMemory {
 public:
     typedef quernbase::QBArray<TBPValue*> ValueList;
     typedef quernbase::QBArray<uint16_t> WideText;
-    enum { ERR_NOMEM = -8, ERR_WRONGKIND = -8021 };
 
     explicit TBPValue(int valueKind = BPVALUE_Void) : kind(valueKind) { data.bits = 0; }
     TBPValue(const TBPValue& other) : kind(BPVALUE_Void) {
@@ -64,7 +64,7 @@ public:
     }
     ~TBPValue() { clear(); }
 
-    // Makes this an exact copy of other, boxes included. 0 or -8 (then this is Void).
+    // Makes this an exact copy of other, boxes included. 0 or OutOfMemory (then this is Void).
     int copyFrom(const TBPValue& other);
     // Frees the payload and makes the value Void.
     void clear() { setKind(BPVALUE_Void); }
@@ -113,7 +113,7 @@ public:
         return i < getItemCount() ? (*data.items)[i] : nullptr;
     }
 
-    // Setters make the value that kind, freeing what it held. 0 or -8.
+    // Setters make the value that kind, freeing what it held. 0 or OutOfMemory.
     void setUnsignedInteger(uint32_t v) { setBits(BPVALUE_UnsignedInteger, v); }
     void setSignedInteger(int32_t v) { setBits(BPVALUE_SignedInteger, uint32_t(v)); }
     void setUnsignedLong(uint32_t v) { setBits(BPVALUE_UnsignedLong, v); }
@@ -258,7 +258,7 @@ int TBPValue<T>::copyFrom(const TBPValue& other) {
 template <class T>
 int TBPValue<T>::setText(int k, const quernbase::QBString& text) {
     BoxedText* box = new (std::nothrow) BoxedText;
-    if (!box) return ERR_NOMEM;
+    if (!box) return qbmsg::OutOfMemory;
     box->text = text;
     setKind(k);
     data.text = box;
@@ -268,7 +268,7 @@ int TBPValue<T>::setText(int k, const quernbase::QBString& text) {
 template <class T>
 int TBPValue<T>::setLongDouble(double v) {
     BoxedDouble* box = new (std::nothrow) BoxedDouble;
-    if (!box) return ERR_NOMEM;
+    if (!box) return qbmsg::OutOfMemory;
     box->number = v;
     setKind(BPVALUE_LongDouble);
     data.boxedDouble = box;
@@ -278,11 +278,11 @@ int TBPValue<T>::setLongDouble(double v) {
 template <class T>
 int TBPValue<T>::setWideString(const uint16_t* units, unsigned count) {
     BoxedWide* box = new (std::nothrow) BoxedWide;
-    if (!box) return ERR_NOMEM;
+    if (!box) return qbmsg::OutOfMemory;
     for (unsigned i = 0; i < count; ++i)
         if (box->add(units[i]) != 0) {
             delete box;
-            return ERR_NOMEM;
+            return qbmsg::OutOfMemory;
         }
     setKind(BPVALUE_WideString);
     data.wide = box;
@@ -292,7 +292,7 @@ int TBPValue<T>::setWideString(const uint16_t* units, unsigned count) {
 template <class T>
 int TBPValue<T>::setBoxed(int k, const TBPValue& inner, int64_t extraWord) {
     TBPValue* box = new (std::nothrow) TBPValue;
-    if (!box) return ERR_NOMEM;
+    if (!box) return qbmsg::OutOfMemory;
     if (int rc = box->copyFrom(inner)) {
         delete box;
         return rc;
@@ -305,9 +305,9 @@ int TBPValue<T>::setBoxed(int k, const TBPValue& inner, int64_t extraWord) {
 
 template <class T>
 int TBPValue<T>::makeAggregate(int aggregateKind) {
-    if (aggregateKind != BPVALUE_Class && aggregateKind != BPVALUE_Array) return ERR_WRONGKIND;
+    if (aggregateKind != BPVALUE_Class && aggregateKind != BPVALUE_Array) return qbmsg::BadArgument;
     BoxedItems* box = new (std::nothrow) BoxedItems;
-    if (!box) return ERR_NOMEM;
+    if (!box) return qbmsg::OutOfMemory;
     setKind(aggregateKind);
     data.items = box;
     return 0;
@@ -315,9 +315,9 @@ int TBPValue<T>::makeAggregate(int aggregateKind) {
 
 template <class T>
 int TBPValue<T>::addItem(const TBPValue& item) {
-    if (!hasItems() || !data.items) return ERR_WRONGKIND;
+    if (!hasItems() || !data.items) return qbmsg::BadArgument;
     TBPValue* copy = new (std::nothrow) TBPValue;
-    if (!copy) return ERR_NOMEM;
+    if (!copy) return qbmsg::OutOfMemory;
     int rc = copy->copyFrom(item);
     if (rc == 0) rc = data.items->add(copy);
     if (rc != 0) delete copy;

@@ -1,6 +1,7 @@
 // The plain forms of the refactor_config_* commands, over the module's one configuration file.
 #include <new>
 
+#include "QBMessageCodes.h"
 #include "qbRefactorConfiguration.h"
 
 using quernbase::QBArray;
@@ -8,39 +9,30 @@ using quernbase::QBString;
 
 namespace {
 
-enum {
-    ERR_NOMEM = -8,
-    ERR_INVALID_ARGUMENT = -3015,
-    ERR_NOT_IN_LIST = -3022,
-    ERR_NO_CONFIGURATION = -7500,
-    ERR_NOT_OPEN = -7501,
-    ERR_WRONG_TYPE = -7535,
-};
-
 qbRefactorConfigurationFile*& file() { return qbRefactorConfigurationFile::current; }
 
 // Finds the named configuration of the class that serves type ("cpp" or "java").
 template <class Configuration>
 int lookup(const char* name, const char* type, Configuration*& found) {
     found = nullptr;
-    if (!file()) return ERR_NOT_OPEN;
+    if (!file()) return qbmsg::NoConfigurationFile;
     qbRefactorConfiguration* configuration = file()->at(file()->indexOf(QBString(name)));
-    if (!configuration) return ERR_NO_CONFIGURATION;
-    if (!configuration->getType().equalTo(type)) return ERR_WRONG_TYPE;
+    if (!configuration) return qbmsg::NoConfiguration;
+    if (!configuration->getType().equalTo(type)) return qbmsg::WrongConfigurationType;
     found = static_cast<Configuration*>(configuration);
     return 0;
 }
 
 int lookupAt(int index, qbRefactorConfiguration*& found) {
     found = nullptr;
-    if (!file()) return ERR_NOT_OPEN;
+    if (!file()) return qbmsg::NoConfigurationFile;
     found = file()->at(index);
-    return found ? 0 : ERR_NO_CONFIGURATION;
+    return found ? 0 : qbmsg::NoConfiguration;
 }
 
 // Copies text out, or an empty text when status is a failure.
 int copyOut(int status, const QBString& text, char* buffer, int size) {
-    if (!buffer || size < 1) return status < 0 ? status : ERR_INVALID_ARGUMENT;
+    if (!buffer || size < 1) return status < 0 ? status : qbmsg::InvalidArgument;
     if (status < 0) {
         buffer[0] = 0;
         return status;
@@ -51,9 +43,9 @@ int copyOut(int status, const QBString& text, char* buffer, int size) {
 
 int appendParts(const char* list, QBArray<QBString>& entries) {
     QBArray<QBString> parts;
-    if (QBString(list).split(';', parts, false) != 0) return ERR_NOMEM;
+    if (QBString(list).split(';', parts, false) != 0) return qbmsg::OutOfMemory;
     for (const QBString& part : parts)
-        if (entries.add(part) != 0) return ERR_NOMEM;
+        if (entries.add(part) != 0) return qbmsg::OutOfMemory;
     return 0;
 }
 
@@ -65,9 +57,9 @@ int addConfiguration(const char* name, const char* type, const char* value, cons
                      QBArray<QBString> Configuration::*listField) {
     Configuration* configuration = nullptr;
     int rc = lookup(name, type, configuration);
-    if (rc == ERR_NOT_OPEN || rc == ERR_WRONG_TYPE) return rc;
+    if (rc == qbmsg::NoConfigurationFile || rc == qbmsg::WrongConfigurationType) return rc;
     bool existing = configuration != nullptr;
-    if (!existing && !(configuration = new (std::nothrow) Configuration)) return ERR_NOMEM;
+    if (!existing && !(configuration = new (std::nothrow) Configuration)) return qbmsg::OutOfMemory;
     configuration->name = name;
     configuration->*valueField = value;
     rc = appendParts(list, configuration->*listField);
@@ -78,7 +70,7 @@ int addConfiguration(const char* name, const char* type, const char* value, cons
 }
 
 int removeMatching(const char* type) {
-    if (!file()) return ERR_NOT_OPEN;
+    if (!file()) return qbmsg::NoConfigurationFile;
     for (int i = int(file()->configurations.count()) - 1; i >= 0; --i)
         if (!type || file()->configurations[unsigned(i)]->getType().equalTo(type, 0))
             file()->remove(unsigned(i));
@@ -94,7 +86,7 @@ int addEntry(QBArray<QBString>& entries, const char* path, int index) {
     if (!path || !*path) return 0;
     int rc = index >= 0 ? entries.insertAt(unsigned(index), QBString(path))
                         : entries.add(QBString(path));
-    return rc < 0 ? ERR_NOMEM : 0;
+    return rc < 0 ? qbmsg::OutOfMemory : 0;
 }
 
 int deleteEntry(QBArray<QBString>& entries, const char* path) {
@@ -104,7 +96,7 @@ int deleteEntry(QBArray<QBString>& entries, const char* path) {
             return 0;
         }
     }
-    return ERR_NOT_IN_LIST;
+    return qbmsg::NotInList;
 }
 
 }  // namespace
@@ -112,12 +104,12 @@ int deleteEntry(QBArray<QBString>& entries, const char* path) {
 int qbRefactorConfigIsOpen(const char*) { return file() && file()->document > 0 ? 1 : 0; }
 
 int qbRefactorConfigOpen(const char* xmlConfigFile) {
-    if (!file() && !(file() = new (std::nothrow) qbRefactorConfigurationFile)) return ERR_NOMEM;
+    if (!file() && !(file() = new (std::nothrow) qbRefactorConfigurationFile)) return qbmsg::OutOfMemory;
     return file()->open(xmlConfigFile);
 }
 
 int qbRefactorConfigSave(const char* xmlConfigFile) {
-    return file() ? file()->save(xmlConfigFile) : ERR_NOT_OPEN;
+    return file() ? file()->save(xmlConfigFile) : qbmsg::NoConfigurationFile;
 }
 
 int qbRefactorConfigClose() {
@@ -128,7 +120,7 @@ int qbRefactorConfigClose() {
     return rc;
 }
 
-int qbRefactorConfigCount() { return file() ? int(file()->configurations.count()) : ERR_NOT_OPEN; }
+int qbRefactorConfigCount() { return file() ? int(file()->configurations.count()) : qbmsg::NoConfigurationFile; }
 
 int qbRefactorConfigAdd(const char* configName, const char* configHeader, const char* includePath) {
     return addConfiguration(configName, "cpp", configHeader, includePath,
@@ -142,15 +134,15 @@ int qbRefactorConfigAddJava(const char* configName, const char* sourcePath, cons
 }
 
 int qbRefactorConfigDelete(const char* configName) {
-    if (!file()) return ERR_NOT_OPEN;
+    if (!file()) return qbmsg::NoConfigurationFile;
     int index = file()->indexOf(QBString(configName));
-    if (index < 0) return ERR_NO_CONFIGURATION;
+    if (index < 0) return qbmsg::NoConfiguration;
     file()->remove(unsigned(index));
     return 0;
 }
 
 int qbRefactorConfigDeleteAllType(const char* type) {
-    if (!type) return file() ? 0 : ERR_NOT_OPEN;
+    if (!type) return file() ? 0 : qbmsg::NoConfigurationFile;
     return removeMatching(type);
 }
 
@@ -172,7 +164,7 @@ int qbRefactorConfigSetName(int configIndex, const char* configName) {
     qbRefactorConfiguration* configuration;
     int rc = lookupAt(configIndex, configuration);
     if (rc < 0) return rc;
-    return configuration->name.set(configName) < 0 ? ERR_NOMEM : 0;
+    return configuration->name.set(configName) < 0 ? qbmsg::OutOfMemory : 0;
 }
 
 int qbRefactorConfigGetHeader(const char* configName, char* buffer, int size) {
@@ -185,7 +177,7 @@ int qbRefactorConfigSetHeader(const char* configName, const char* configHeader) 
     qbRefactorCppConfiguration* configuration;
     int rc = lookup(configName, "cpp", configuration);
     if (rc < 0) return rc;
-    return configuration->header.set(configHeader) < 0 ? ERR_NOMEM : 0;
+    return configuration->header.set(configHeader) < 0 ? qbmsg::OutOfMemory : 0;
 }
 
 int qbRefactorConfigCountIncludes(const char* configName) {

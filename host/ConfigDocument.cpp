@@ -38,7 +38,7 @@ int readDirs(int document, int node, const char* list, const char* item,
     qbXMLCFGFindNodes(document, item, parent, items);
     for (int index : items) {
         QBString dir = qbXMLCFGGetAttributeString(document, index, "Dir", QBString());
-        if (dir.isNotEmpty() && dirs.add(dir) != 0) return -8;
+        if (dir.isNotEmpty() && dirs.add(dir) != 0) return qbmsg::OutOfMemory;
     }
     return 0;
 }
@@ -69,7 +69,7 @@ int readAll(qbRefactorConfigurationFile& file, const char* path, Reader read) {
     if (found < 0) return found;
     for (int node : nodes) {
         Configuration* configuration = new (std::nothrow) Configuration;
-        if (!configuration) return -8;
+        if (!configuration) return qbmsg::OutOfMemory;
         int rc = read(node, *configuration);
         if (rc >= 0) rc = file.configurations.add(configuration);
         if (rc < 0) {

@@ -26,7 +26,7 @@ QBString output;
 int addText(int code, const char* text) {
     unsigned index = unsigned(-int64_t(code));
     while (texts.count() <= index)
-        if (texts.add(nullptr) < 0) return -8;
+        if (texts.add(nullptr) < 0) return qbmsg::OutOfMemory;
     texts[index] = text;
     return 0;
 }
@@ -36,20 +36,19 @@ void load() {
     needsLoad = false;
     QBString data;
     if (qbReadFileToString(QBString(messageFilePath), data, 0, 0, 2) < 0) {
-        loadFailure = "Unable to open message file '%s' not found";
+        loadFailure = qbmessagefile::failureText(qbmessagefile::UNREADABLE);
         return;
     }
     contents = static_cast<char*>(qbAlloc(data.length() + 1));
     if (!contents) {
-        loadFailure = "Message file '%s' not valid";
+        loadFailure = qbmessagefile::failureText(qbmessagefile::INVALID);
         return;
     }
     std::memcpy(contents, data.get(), data.length());
     contents[data.length()] = 0;
     auto status = qbmessagefile::forEachEntry(
         contents, data.length(), [](int code, const char* text) { addText(code, text); });
-    if (status == qbmessagefile::EMPTY) loadFailure = "Message file '%s' empty";
-    else if (status != qbmessagefile::VALID) loadFailure = "Message file '%s' not valid";
+    loadFailure = qbmessagefile::failureText(status);
 }
 
 void appendParameter(char slot) {

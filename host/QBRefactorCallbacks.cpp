@@ -4,7 +4,7 @@
 
 #include "BPHostMessages.h"
 #include "QBMessageFile.h"
-#include "QBRefactorStatus.h"
+#include "QBMessageCodes.h"
 #include "QBRefactorTransaction.h"
 #include "qbapi.h"
 
@@ -91,15 +91,15 @@ int qbRefactorLocateFile(int transactionHandle, const char* sourceFile, const ch
 
 int showFileErrors(int transactionId, const char* fileName) {
     int handle = resolve(SHOW_ERRORS);
-    if (!handle) return QBR_ERR_NO_SHOW_ERRORS;
+    if (!handle) return qbmsg::NoShowErrors;
     QBArgRecord args[] = {intArg(transactionId), textArg(fileName)};
-    return callOr(QBR_ERR_NO_SHOW_ERRORS, handle, 2, args);
+    return callOr(qbmsg::NoShowErrors, handle, 2, args);
 }
 
 int promptToSkip(int transactionId, const char* fileName, int status) {
-    if (status == QBR_ERR_CANCELLED) return status;
+    if (status == qbmsg::Cancelled) return status;
     QBRefactorTransaction* t = findTransaction(transactionId);
-    if (!t) return QBR_ERR_NO_TRANSACTION;
+    if (!t) return qbmsg::NoTransaction;
     // With every file failed already there is nothing left to go on with.
     if (int(t->parsers.count()) - t->errorFiles.count() < 1) return status;
     int handle = resolve(PROMPT_TO_SKIP);

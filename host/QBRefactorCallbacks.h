@@ -12,7 +12,7 @@ QBREFACTOR_EXPORT int qbRefactorFileMessage(const char* fileName, int index, int
 QBREFACTOR_EXPORT int qbRefactorLocateFile(int handle, const char* sourceFile,
                                            const char* includedFile, char* buffer, int size);
 
-// "refactor_show_errors" for one file; -3024 if the host lacks it.
+// "refactor_show_errors" for one file; NoShowErrors if the host lacks it.
 int showFileErrors(int transactionId, const char* fileName);
 // Asks "refactor_prompt_to_skip" whether to go on after a file failed with status.
 int promptToSkip(int transactionId, const char* fileName, int status);

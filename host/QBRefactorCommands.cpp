@@ -5,7 +5,7 @@
 #include "CPParser.h"
 #include "QBRefactorExport.h"
 #include "QBRefactorParseDriver.h"
-#include "QBRefactorStatus.h"
+#include "QBMessageCodes.h"
 #include "QBRefactorTransaction.h"
 #include "QBRefactorWindow.h"
 #include "qbapi.h"
@@ -46,21 +46,21 @@ QBString keyAt(const quernbase::QBHashTable<QBString, V>& table, int index) {
 
 int modifiedFileName(int handle, int index, QBString& out) {
     QBRefactorTransaction* t = findTransaction(handle);
-    if (!t) return QBR_ERR_NO_TRANSACTION;
+    if (!t) return qbmsg::NoTransaction;
     out = keyAt(t->modifiedFiles, index);
     return 0;
 }
 
 int errorFileName(int handle, int index, QBString& out) {
     QBRefactorTransaction* t = findTransaction(handle);
-    if (!t) return QBR_ERR_NO_TRANSACTION;
+    if (!t) return qbmsg::NoTransaction;
     out = keyAt(t->errorFiles, index);
     return 0;
 }
 
 int errorText(int handle, const char* fileName, int errorIndex, QBString& out) {
     QBRefactorTransaction* t = findTransaction(handle);
-    if (!t) return QBR_ERR_NO_TRANSACTION;
+    if (!t) return qbmsg::NoTransaction;
     out = "";
     const QBArray<QBString>* list = fileName ? t->errorFiles.find(QBString(fileName)) : nullptr;
     if (list && errorIndex >= 0 && unsigned(errorIndex) < list->count())
@@ -70,14 +70,14 @@ int errorText(int handle, const char* fileName, int errorIndex, QBString& out) {
 
 int addIncludeDirectory(int handle, const char* fileName, const char* paths) {
     QBRefactorTransaction* t = findTransaction(handle);
-    if (!t) return QBR_ERR_NO_TRANSACTION;
+    if (!t) return qbmsg::NoTransaction;
     int index;
     CPParser* parser = t->findParser(textOf(fileName), index);
-    if (!parser) return QBR_ERR_FILE_NOT_FOUND;
+    if (!parser) return qbmsg::FileNotFound;
     QBArray<QBString> parts;
-    if (textOf(paths).split(';', parts) < 0) return QBR_ERR_INCLUDE_PATH;
+    if (textOf(paths).split(';', parts) < 0) return qbmsg::IncludePathRefused;
     for (const QBString& part : parts)
-        if (parser->addUserIncludePath(part) < 0) return QBR_ERR_INCLUDE_PATH;
+        if (parser->addUserIncludePath(part) < 0) return qbmsg::IncludePathRefused;
     return 0;
 }
 
@@ -101,7 +101,7 @@ QBREFACTOR_EXPORT int qbRefactorAddFile(int handle, const char* fileName,
                                         const char* systemIncludePath, const char* defineOptions,
                                         const char* compilerConfig) {
     QBRefactorTransaction* t = findTransaction(handle);
-    if (!t) return QBR_ERR_NO_TRANSACTION;
+    if (!t) return qbmsg::NoTransaction;
     return t->addFile(textOf(fileName), textOf(userIncludePath), textOf(systemIncludePath),
                       textOf(defineOptions), textOf(compilerConfig), -1);
 }
@@ -115,7 +115,7 @@ QBREFACTOR_EXPORT int refactor_add_file(int handle, const char* fileName,
 
 QBREFACTOR_EXPORT int qbRefactorRemoveFile(int handle, const char* fileName) {
     QBRefactorTransaction* t = findTransaction(handle);
-    if (!t) return QBR_ERR_NO_TRANSACTION;
+    if (!t) return qbmsg::NoTransaction;
     return t->removeFile(textOf(fileName));
 }
 QBREFACTOR_EXPORT int refactor_remove_file(int handle, const char* fileName) {
@@ -135,7 +135,7 @@ QBREFACTOR_EXPORT int refactor_add_user_include_directory(int handle, const char
 
 QBREFACTOR_EXPORT int qbRefactorCountModifiedFiles(int handle) {
     QBRefactorTransaction* t = findTransaction(handle);
-    return t ? t->modifiedFiles.count() : QBR_ERR_NO_TRANSACTION;
+    return t ? t->modifiedFiles.count() : qbmsg::NoTransaction;
 }
 QBREFACTOR_EXPORT int refactor_count_modified_files(int handle) {
     return qbRefactorCountModifiedFiles(handle);
@@ -155,9 +155,9 @@ QBREFACTOR_EXPORT int refactor_get_modified_file_name(int handle, int index, int
 QBREFACTOR_EXPORT int qbRefactorGetModifiedFileContents(int wid, int handle,
                                                         const char* fileName) {
     QBRefactorTransaction* t = findTransaction(handle);
-    if (!t) return QBR_ERR_NO_TRANSACTION;
+    if (!t) return qbmsg::NoTransaction;
     const QBString* text = t->modifiedFiles.find(textOf(fileName));
-    if (!text) return QBR_ERR_FILE_NOT_FOUND;
+    if (!text) return qbmsg::FileNotFound;
     if (text->isNull()) return 0;
     return qbRefactorInsertText(wid, text->get(), int(text->length()));
 }
@@ -169,8 +169,8 @@ QBREFACTOR_EXPORT int refactor_get_modified_file_contents(int wid, int handle,
 QBREFACTOR_EXPORT int qbRefactorSetModifiedFileContents(int wid, int handle,
                                                         const char* fileName) {
     QBRefactorTransaction* t = findTransaction(handle);
-    if (!t) return QBR_ERR_NO_TRANSACTION;
-    if (!fileName || !*fileName) return QBR_ERR_INVALID_ARGUMENT;
+    if (!t) return qbmsg::NoTransaction;
+    if (!fileName || !*fileName) return qbmsg::InvalidArgument;
     QBString text;
     if (int rc = readWindowText(wid, text)) return rc;
     return t->setModifiedFile(QBString(fileName), text);
@@ -184,7 +184,7 @@ QBREFACTOR_EXPORT int refactor_set_modified_file_contents(int wid, int handle,
 
 QBREFACTOR_EXPORT int qbRefactorCountErrorFiles(int handle) {
     QBRefactorTransaction* t = findTransaction(handle);
-    return t ? t->errorFiles.count() : QBR_ERR_NO_TRANSACTION;
+    return t ? t->errorFiles.count() : qbmsg::NoTransaction;
 }
 QBREFACTOR_EXPORT int refactor_count_error_files(int handle) {
     return qbRefactorCountErrorFiles(handle);
@@ -203,7 +203,7 @@ QBREFACTOR_EXPORT int refactor_get_error_file_name(int handle, int index, int fi
 // A null or empty name counts the errors of every file.
 QBREFACTOR_EXPORT int qbRefactorCountErrors(int handle, const char* fileName) {
     QBRefactorTransaction* t = findTransaction(handle);
-    if (!t) return QBR_ERR_NO_TRANSACTION;
+    if (!t) return qbmsg::NoTransaction;
     if (fileName && *fileName) {
         const QBArray<QBString>* list = t->errorFiles.find(QBString(fileName));
         return list ? int(list->count()) : 0;

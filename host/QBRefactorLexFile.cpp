@@ -108,14 +108,14 @@ QBREFACTOR_EXPORT int qbRefactorLexFile(const char* fileName, int options, char*
     if (int rc = source.load(QBString(fileName))) return rc;
     if (options & LEX_ROUNDTRIP) options |= LEX_FILTERED;
     CPLexer* lexer = new (std::nothrow) CPLexer(source, 0);
-    if (!lexer) return -8;
+    if (!lexer) return qbmsg::OutOfMemory;
     lexer->addRef();
     TBPTokenSource<CPParseNodeType>* stream = lexer;
     if (options & LEX_FILTERED) {
         stream = new (std::nothrow) CPWhitespaceFilter(lexer);
         if (!stream) {
             lexer->release();
-            return -8;
+            return qbmsg::OutOfMemory;
         }
         stream->addRef();
     }

@@ -4,7 +4,7 @@
 #include "BPSourceCache.h"
 #include "CPParser.h"
 #include "QBRefactorCallbacks.h"
-#include "QBRefactorStatus.h"
+#include "QBMessageCodes.h"
 #include "QBRefactorTransaction.h"
 #include "QBRefactorWindow.h"
 
@@ -28,9 +28,9 @@ int announceFile(QBRefactorTransaction* t, CPParser* parser) {
 }
 
 int startStage(CPParser* parser, int message) {
-    if (parser->reportProgress(0, 100, 0) < 0) return QBR_ERR_CANCELLED;
+    if (parser->reportProgress(0, 100, 0) < 0) return qbmsg::Cancelled;
     if (parser->reportMessage(BPHostMessages::getMessage(message), 0) < 0)
-        return QBR_ERR_CANCELLED;
+        return qbmsg::Cancelled;
     return 0;
 }
 
@@ -40,20 +40,20 @@ void showWarnings(QBRefactorTransaction* t, CPParser* parser, bool showErrors) {
 }
 
 int analyze(QBRefactorTransaction* t, CPParser* parser, bool showErrors) {
-    if (parser->reportMessage(BPHostMessages::getMessage(QBR_MSG_ANALYZING), 0) < 0)
-        return QBR_ERR_CANCELLED;
+    if (parser->reportMessage(BPHostMessages::getMessage(qbmsg::Analyzing), 0) < 0)
+        return qbmsg::Cancelled;
     int first = parser->analyzeFirstPass();
-    if (first == QBR_ERR_CANCELLED) return first;
-    parser->reportMessage(BPHostMessages::getMessage(QBR_MSG_FINISHING_ANALYSIS), 0);
+    if (first == qbmsg::Cancelled) return first;
+    parser->reportMessage(BPHostMessages::getMessage(qbmsg::FinishingAnalysis), 0);
     int second = parser->analyzeSecondPass();
     if (first >= 0 && second >= 0) return 0;
-    if (second == QBR_ERR_CANCELLED) return second;
+    if (second == qbmsg::Cancelled) return second;
     t->storeErrors(parser);
     if (parser->getErrorCount() == 0) {
         showWarnings(t, parser, showErrors);
         return 0;
     }
-    return QBR_ERR_FILE_HAS_ERRORS;
+    return qbmsg::FileHasErrors;
 }
 
 // What a failing file does to the walk: a cancel ends it, and otherwise the host is asked once
@@ -61,7 +61,7 @@ int analyze(QBRefactorTransaction* t, CPParser* parser, bool showErrors) {
 int afterFile(QBRefactorTransaction* t, int index, int status, int& answer) {
     CPParser* parser = t->parsers[unsigned(index)];
     int result = 0;
-    if (status == QBR_ERR_CANCELLED) {
+    if (status == qbmsg::Cancelled) {
         result = status;
     } else if (status < 0 && answer == 0) {
         answer = promptToSkip(t->id, parser->fileName.get(), status);
@@ -74,14 +74,14 @@ int afterFile(QBRefactorTransaction* t, int index, int status, int& answer) {
 int appendBanner(int wid, const QBString& fileName, const QBString& text) {
     QBString out;
     QBString rule;
-    if (rule.pad(BANNER_WIDTH, '/') < 0) return QBR_ERR_NO_MEMORY;
+    if (rule.pad(BANNER_WIDTH, '/') < 0) return qbmsg::OutOfMemory;
     out.append(rule);
     out.append("\n// ");
     out.append(fileName);
     out.append('\n');
     out.append(rule);
     out.append('\n');
-    if (out.append(text) < 0) return QBR_ERR_NO_MEMORY;
+    if (out.append(text) < 0) return qbmsg::OutOfMemory;
     return qbRefactorInsertText(wid, out.get(), int(out.length()));
 }
 
@@ -94,7 +94,7 @@ int refreshSourceCache(QBRefactorTransaction* transaction) {
     if (!cache || cache->count() == 0) return 0;
     int count = cache->count();
     QBString* names = cache->keys();
-    if (!names) return QBR_ERR_NO_MEMORY;
+    if (!names) return qbmsg::OutOfMemory;
     int rc = 0;
     for (int i = 0; i < count && rc == 0; ++i) {
         BPSourceHandle* entry = cache->find(names[i]);
@@ -107,37 +107,37 @@ int refreshSourceCache(QBRefactorTransaction* transaction) {
 }
 
 int parseFile(QBRefactorTransaction* t, CPParser* parser, bool showErrors) {
-    if (!parser) return QBR_ERR_NO_PARSER;
+    if (!parser) return qbmsg::NoParser;
     if (parser->hasOutputTree()) return 0;
     if (int rc = announceFile(t, parser)) return rc;
-    if (refreshSourceCache(t) < 0) return QBR_ERR_FILE_HAS_ERRORS;
-    if (int rc = startStage(parser, QBR_MSG_PARSING)) return rc;
+    if (refreshSourceCache(t) < 0) return qbmsg::FileHasErrors;
+    if (int rc = startStage(parser, qbmsg::Parsing)) return rc;
     int status = parser->parse();
-    if (status == QBR_ERR_CANCELLED) return status;
+    if (status == qbmsg::Cancelled) return status;
     if (status < 0) {
         t->storeErrors(parser);
         if (parser->getErrorCount() == 0) showWarnings(t, parser, showErrors);
     }
     if (status >= 0 || parser->getErrorCount() == 0) {
         int rc = analyze(t, parser, showErrors);
-        if (rc != QBR_ERR_FILE_HAS_ERRORS) return rc;
+        if (rc != qbmsg::FileHasErrors) return rc;
     }
     showFileErrors(t->id, parser->fileName.get());
-    return QBR_ERR_FILE_HAS_ERRORS;
+    return qbmsg::FileHasErrors;
 }
 
 int preprocessFile(QBRefactorTransaction* t, CPParser* parser, QBString& out,
                    bool addLineMarkers) {
-    if (!parser) return QBR_ERR_NO_PARSER;
+    if (!parser) return qbmsg::NoParser;
     if (int rc = announceFile(t, parser)) return rc;
-    if (refreshSourceCache(t) < 0) return QBR_ERR_FILE_HAS_ERRORS;
-    if (int rc = startStage(parser, QBR_MSG_PREPROCESSING)) return rc;
+    if (refreshSourceCache(t) < 0) return qbmsg::FileHasErrors;
+    if (int rc = startStage(parser, qbmsg::Preprocessing)) return rc;
     int status = parser->preprocess(out, addLineMarkers);
     if (status >= 0) return 0;
-    if (status == QBR_ERR_CANCELLED) return status;
+    if (status == qbmsg::Cancelled) return status;
     t->storeErrors(parser);
     showFileErrors(t->id, parser->fileName.get());
-    return parser->getErrorCount() > 0 ? QBR_ERR_FILE_HAS_ERRORS : 0;
+    return parser->getErrorCount() > 0 ? qbmsg::FileHasErrors : 0;
 }
 
 // The walk of both commands: each live parser in order, a changed file passed over, and every
@@ -145,7 +145,7 @@ int preprocessFile(QBRefactorTransaction* t, CPParser* parser, QBString& out,
 template <class RunFile>
 int walkFiles(int handle, RunFile runFile) {
     QBRefactorTransaction* t = findTransaction(handle);
-    if (!t) return QBR_ERR_NO_TRANSACTION;
+    if (!t) return qbmsg::NoTransaction;
     int answer = 0;
     for (unsigned i = 0; i < t->parsers.count(); ++i) {
         CPParser* parser = t->parsers[i];
@@ -168,10 +168,10 @@ int parseAllFiles(int handle) {
 int preprocessAllFiles(int handle, int wid, int addLineMarkers) {
     return walkFiles(handle, [wid, addLineMarkers](QBRefactorTransaction* t, CPParser* parser) {
         QBString text;
-        if (text.setCapacity(PREPROCESS_RESERVE) < 0) return int(QBR_ERR_NO_MEMORY);
+        if (text.setCapacity(PREPROCESS_RESERVE) < 0) return int(qbmsg::OutOfMemory);
         QBString name = parser->fileName;
         int status = preprocessFile(t, parser, text, addLineMarkers != 0);
-        if (status == QBR_ERR_CANCELLED) return status;
+        if (status == qbmsg::Cancelled) return status;
         int inserted = appendBanner(wid, name, text);
         return inserted < 0 && status >= 0 ? inserted : status;
     });

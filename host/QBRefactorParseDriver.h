@@ -6,7 +6,8 @@
 class CPParser;
 class QBRefactorTransaction;
 
-// Parses and analyses one file; 0 when it has no errors, -7516 when it has, -2038 on a cancel.
+// Parses and analyses one file; 0 when it has no errors, FileHasErrors when it has, Cancelled on
+// a cancel.
 int parseFile(QBRefactorTransaction* transaction, CPParser* parser, bool showErrors);
 // Runs only the preprocessor of one file into out.
 int preprocessFile(QBRefactorTransaction* transaction, CPParser* parser,

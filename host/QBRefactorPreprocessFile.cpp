@@ -11,7 +11,7 @@
 #include "CPPreprocessor.h"
 #include "CPPreprocessorNodes.h"
 #include "QBRefactorExport.h"
-#include "QBRefactorStatus.h"
+#include "QBMessageCodes.h"
 
 using quernbase::QBString;
 
@@ -36,13 +36,13 @@ public:
     // 0 with the tree read, or a negative status.
     int read(const BPSourceHandle& source) {
         lexer = new (std::nothrow) CPLexer(source, 0);
-        if (!lexer) return QBR_ERR_NO_MEMORY;
+        if (!lexer) return qbmsg::OutOfMemory;
         lexer->addRef();
         preprocessor = new (std::nothrow) CPPreprocessor(lexer);
-        if (!preprocessor) return QBR_ERR_NO_MEMORY;
+        if (!preprocessor) return qbmsg::OutOfMemory;
         preprocessor->addRef();
         int rc = preprocessor->readSourceTree();
-        if (rc == 0 && !preprocessor->getSourceTree()) rc = QBR_ERR_NO_MEMORY;
+        if (rc == 0 && !preprocessor->getSourceTree()) rc = qbmsg::OutOfMemory;
         return rc;
     }
     CPPreprocessorUnit* tree() const { return preprocessor->getSourceTree(); }
@@ -59,14 +59,14 @@ bool sameBytes(const QBString& text, const BPSourceText& source) {
 
 int printTree(CPPreprocessorUnit& tree) {
     QBString out("");
-    if (tree.printToString(out, 0, false) != 0) return QBR_ERR_NO_MEMORY;
+    if (tree.printToString(out, 0, false) != 0) return qbmsg::OutOfMemory;
     qbRefactorOutput(out.get());
     return 0;
 }
 
 // The text's length, with the text in buffer when it fits (it may hold zero bytes).
 int emitText(const QBString& text, char* buffer, int size) {
-    if (text.length() > unsigned(INT_MAX)) return QBR_ERR_NO_MEMORY;
+    if (text.length() > unsigned(INT_MAX)) return qbmsg::OutOfMemory;
     if (buffer && size > 0 && text.length() > 0 && text.length() <= unsigned(size))
         std::memcpy(buffer, text.get(), text.length());
     return int(text.length());
@@ -82,7 +82,7 @@ int emitText(const QBString& text, char* buffer, int size) {
 QBREFACTOR_EXPORT int qbRefactorPreprocessorSourceFile(const char* fileName, int options,
                                                        char* buffer, int size) {
     if (!fileName || options < SOURCE_PRINT || options > SOURCE_ROUNDTRIP)
-        return QBR_ERR_INVALID_ARGUMENT;
+        return qbmsg::InvalidArgument;
     BPSourceHandle source;
     if (int rc = source.load(QBString(fileName))) return rc;
     SourceTreeReader reader;
@@ -94,7 +94,7 @@ QBREFACTOR_EXPORT int qbRefactorPreprocessorSourceFile(const char* fileName, int
         return rc < 0 ? rc : errors;
     }
     QBString text("");
-    if (tree.getText(text) < 0) return QBR_ERR_NO_MEMORY;
+    if (tree.getText(text) < 0) return qbmsg::OutOfMemory;
     if (options == SOURCE_EMIT) return emitText(text, buffer, size);
     return (sameBytes(text, *source.get()) ? 0 : RESULT_DIFFERS) | errors;
 }

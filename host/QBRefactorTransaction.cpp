@@ -5,7 +5,7 @@
 #include "BPSourceCache.h"
 #include "CPParser.h"
 #include "QBRefactorCallbacks.h"
-#include "QBRefactorStatus.h"
+#include "QBMessageCodes.h"
 
 using quernbase::QBArray;
 using quernbase::QBString;
@@ -43,7 +43,7 @@ int forEachDefineOption(const QBString& options, CPParser* parser) {
         QBString token = options.sub(start, end - start);
         token.strip(" \t");
         if (token.isEmpty()) return 0;
-        if (parser->addDefineOption(token) < 0) return QBR_ERR_DEFINE_OPTION;
+        if (parser->addDefineOption(token) < 0) return qbmsg::DefineOptionRefused;
     }
 }
 
@@ -52,9 +52,9 @@ typedef int (CPParser::*AddPath)(const QBString&);
 int addIncludeList(CPParser* parser, const QBString& list, AddPath add) {
     if (list.isEmpty()) return 0;
     QBArray<QBString> parts;
-    if (list.split(';', parts) < 0) return QBR_ERR_INCLUDE_PATH;
+    if (list.split(';', parts) < 0) return qbmsg::IncludePathRefused;
     for (const QBString& part : parts)
-        if ((parser->*add)(part) < 0) return QBR_ERR_INCLUDE_PATH;
+        if ((parser->*add)(part) < 0) return qbmsg::IncludePathRefused;
     return 0;
 }
 
@@ -92,7 +92,7 @@ QBRefactorTransaction::QBRefactorTransaction(int id)
 }
 
 QBRefactorTransaction::~QBRefactorTransaction() {
-    sendMessage(QBR_MSG_RELEASING);
+    sendMessage(qbmsg::ReleasingParser);
     for (CPParser* p : parsers) delete p;
     if (sourceCache) sourceCache->release();
     if (parseCache) parseCache->release();
@@ -125,7 +125,7 @@ int QBRefactorTransaction::addFile(const QBString& fileName, const QBString& use
                                    const QBString& defineOptions, const QBString& compilerConfig,
                                    int slot) {
     CPParser* parser = new (std::nothrow) CPParser;
-    if (!parser) return QBR_ERR_NO_MEMORY;
+    if (!parser) return qbmsg::OutOfMemory;
     parser->defineOptions = defineOptions;
     parser->fileName = fileName;
     if (slot == -1) {
@@ -136,7 +136,7 @@ int QBRefactorTransaction::addFile(const QBString& fileName, const QBString& use
     } else {
         if (slot < 0 || unsigned(slot) >= parsers.count() || parsers[unsigned(slot)]) {
             delete parser;
-            return QBR_ERR_BAD_SLOT;
+            return qbmsg::BadArgument;
         }
         parsers[unsigned(slot)] = parser;
     }
@@ -149,7 +149,7 @@ int QBRefactorTransaction::addFile(const QBString& fileName, const QBString& use
         return rc;
     if (int rc = forEachDefineOption(defineOptions, parser)) return rc;
     if (compilerConfig.isNotEmpty() && parser->setConfigFile(compilerConfig) < 0)
-        return QBR_ERR_CONFIG_HEADER;
+        return qbmsg::ConfigHeaderRefused;
     parser->transactionId = id;
     return 0;
 }
@@ -158,13 +158,13 @@ int QBRefactorTransaction::removeFile(const QBString& fileName) {
     modifiedFiles.remove(fileName);
     errorFiles.remove(fileName);
     int index;
-    if (!findParser(fileName, index)) return QBR_ERR_FILE_NOT_FOUND;
+    if (!findParser(fileName, index)) return qbmsg::FileNotFound;
     return releaseParser(index);
 }
 
 int QBRefactorTransaction::releaseParser(int index) {
     if (index < 0 || unsigned(index) >= parsers.count()) return 0;
-    sendMessage(QBR_MSG_RELEASING);
+    sendMessage(qbmsg::ReleasingParser);
     delete parsers[unsigned(index)];
     parsers[unsigned(index)] = nullptr;
     return 0;

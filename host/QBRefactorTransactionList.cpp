@@ -2,7 +2,7 @@
 #include <new>
 
 #include "QBRefactorCallbacks.h"
-#include "QBRefactorStatus.h"
+#include "QBMessageCodes.h"
 #include "QBRefactorTransaction.h"
 #include "QBReplacingFile.h"
 
@@ -35,9 +35,9 @@ void destroyAt(int index) {
 int writeOne(QBRefactorTransaction* t, const QBString& name, int number, int count,
              int result) {
     const QBString* text = t->modifiedFiles.find(name);
-    if (!text) return QBR_ERR_NO_PARSER;
+    if (!text) return qbmsg::NoParser;
     qbRefactorFileMessage(name.get(), number, count);
-    if (sendMessage(QBR_MSG_WRITING) < 0) return QBR_ERR_CANCELLED;
+    if (sendMessage(qbmsg::WritingFile) < 0) return qbmsg::Cancelled;
     QBReplacingFile file;
     int handle = file.open(name);
     if (handle < 0) return handle;
@@ -59,14 +59,14 @@ QBRefactorTransaction* findTransaction(int handle) {
 int beginTransaction() {
     // A handle is never reused, even one whose transaction failed to come about.
     QBRefactorTransaction* t = new (std::nothrow) QBRefactorTransaction(nextTransactionId++);
-    if (!t) return QBR_ERR_NO_MEMORY;
+    if (!t) return qbmsg::OutOfMemory;
     if (!t->isComplete()) {
         delete t;
-        return QBR_ERR_NO_MEMORY;
+        return qbmsg::OutOfMemory;
     }
     if (transactions.add(t) < 0) {
         delete t;
-        return QBR_ERR_NO_MEMORY;
+        return qbmsg::OutOfMemory;
     }
     return t->id;
 }
@@ -74,15 +74,15 @@ int beginTransaction() {
 // A cancel by the host stops the walk before the next file is touched.
 int commitTransaction(int handle) {
     int index = indexOf(handle);
-    if (index < 0) return QBR_ERR_NO_TRANSACTION;
+    if (index < 0) return qbmsg::NoTransaction;
     QBRefactorTransaction* t = transactions[unsigned(index)];
     int count = t->modifiedFiles.count();
     QBString* names = t->modifiedFiles.keys();
-    if (count > 0 && !names) return QBR_ERR_NO_MEMORY;
+    if (count > 0 && !names) return qbmsg::OutOfMemory;
     int result = 0;
     for (int i = 0; i < count; ++i) {
         result = writeOne(t, names[i], i + 1, count, result);
-        if (result == QBR_ERR_CANCELLED) break;
+        if (result == qbmsg::Cancelled) break;
     }
     delete[] names;
     if (result < 0) return result;
@@ -92,7 +92,7 @@ int commitTransaction(int handle) {
 
 int cancelTransaction(int handle) {
     int index = indexOf(handle);
-    if (index < 0) return QBR_ERR_NO_TRANSACTION;
+    if (index < 0) return qbmsg::NoTransaction;
     destroyAt(index);
     return 0;
 }

@@ -9,7 +9,7 @@
 #include "CPPreprocessorNodes.h"
 #include "QBRefactorExport.h"
 #include "QBRefactorParseDriver.h"
-#include "QBRefactorStatus.h"
+#include "QBMessageCodes.h"
 #include "QBRefactorTransaction.h"
 
 using quernbase::QBString;
@@ -32,11 +32,11 @@ bool sourceTextEquals(CPParser& parser, const QBString& text) {
            (text.length() == 0 || std::memcmp(text.get(), source->begin, text.length()) == 0);
 }
 
-// The parser of a file of a transaction, parsed; null with status -7502 for no transaction,
-// -2 for a file that isn't in it, else status is the parse's.
+// The parser of a file of a transaction, parsed; null with status NoTransaction, or
+// FileNotFound for a file that isn't in it; else status is the parse's.
 CPParser* parsedFile(int handle, const char* fileName, int& status) {
     QBRefactorTransaction* t = findTransaction(handle);
-    status = t ? QBR_ERR_FILE_NOT_FOUND : QBR_ERR_NO_TRANSACTION;
+    status = t ? qbmsg::FileNotFound : qbmsg::NoTransaction;
     int index = -1;
     CPParser* parser = t ? t->findParser(QBString(fileName), index) : nullptr;
     if (parser) status = parseFile(t, parser, false);
@@ -48,13 +48,13 @@ CPParser* parsedFile(int handle, const char* fileName, int& status) {
 // Parses a file of a transaction with the options it was added with, and prints its tree
 // through qbRefactorOutput (options 0), or compares the source tree's text with the file (1:
 // bit 0 set when they differ, bit 1 when the parse logged errors), or prints the messages (2).
-// -7502 for no transaction, -2 for a file that isn't in it; a file that can't be read gives its
+// NoTransaction, FileNotFound for a file that isn't in it; a file that can't be read gives its
 // status.
 QBREFACTOR_EXPORT int qbRefactorTreeOfFile(int handle, const char* fileName, int options) {
     int status;
     CPParser* parser = parsedFile(handle, fileName, status);
     if (!parser || !parser->getSourceTree()) return status;
-    if (parser->collectAllErrors() < 0) return QBR_ERR_NO_MEMORY;
+    if (parser->collectAllErrors() < 0) return qbmsg::OutOfMemory;
     QBString out("");
     bool errors = parser->getErrorCount() > 0;
     if (options == TREE_ROUNDTRIP) {
@@ -74,17 +74,17 @@ QBREFACTOR_EXPORT int qbRefactorTreeOfFile(int handle, const char* fileName, int
 
 // Parses a file of a transaction (its messages go to the transaction's error store) and copies
 // its source tree's text into buffer. Gives the text's length, which may exceed size: then call
-// again with a larger buffer (the parse is kept for that). -7502 for no transaction, -2 for a
-// file that isn't in it, or the parse's status when no text came of it.
+// again with a larger buffer (the parse is kept for that). NoTransaction, FileNotFound for
+// a file that isn't in it, or the parse's status when no text came of it.
 QBREFACTOR_EXPORT int qbRefactorParsedFileText(int handle, const char* fileName, char* buffer,
                                                int size) {
     int status;
     CPParser* parser = parsedFile(handle, fileName, status);
     if (!parser) return status;
     CPPreprocessorUnit* tree = parser->getSourceTree();
-    if (!tree) return status < 0 ? status : QBR_ERR_NO_PARSER;
+    if (!tree) return status < 0 ? status : qbmsg::NoParser;
     QBString text("");
-    if (tree->getText(text) < 0) return QBR_ERR_NO_MEMORY;
+    if (tree->getText(text) < 0) return qbmsg::OutOfMemory;
     size_t copied = text.length() < unsigned(size) ? text.length() : size_t(size);
     if (buffer && size > 0 && copied > 0) std::memcpy(buffer, text.get(), copied);
     return int(text.length());

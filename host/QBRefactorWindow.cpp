@@ -1,6 +1,6 @@
 #include "QBRefactorWindow.h"
 
-#include "QBRefactorStatus.h"
+#include "QBMessageCodes.h"
 #include "qbapi.h"
 
 using quernbase::QBString;
@@ -16,7 +16,7 @@ int qbRefactorGetRText(int wid, char* buffer, int size) {
     int64_t textSize = qbWindowGetProperty(wid, QBWINDOW_TEXT_SIZE);
     if (textSize < 0) return int(textSize);
     if (!buffer) return int(textSize);
-    if (size <= textSize) return QBR_ERR_NO_MEMORY;
+    if (size <= textSize) return qbmsg::OutOfMemory;
     int rc = qbWindowReadText(wid, textSize, 0, buffer, 0);
     if (rc < 0) return rc;
     buffer[textSize] = 0;
@@ -27,10 +27,10 @@ int readWindowText(int wid, QBString& out) {
     int size = qbRefactorGetRText(wid, nullptr, 0);
     if (size < 0) return size;
     QBString text(size_t(size) + 1);
-    if (text.setLength(unsigned(size) + 1) < 0) return QBR_ERR_NO_MEMORY;
+    if (text.setLength(unsigned(size) + 1) < 0) return qbmsg::OutOfMemory;
     int rc = qbRefactorGetRText(wid, text.get_nonconst(), size + 1);
     if (rc < 0) return rc;
-    if (text.setLength(unsigned(size)) < 0) return QBR_ERR_NO_MEMORY;
+    if (text.setLength(unsigned(size)) < 0) return qbmsg::OutOfMemory;
     out = text;
     return 0;
 }

@@ -8,14 +8,14 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include "QBRefactorStatus.h"
+#include "QBMessageCodes.h"
 
 using quernbase::QBString;
 
 namespace {
 
 int statusOfErrno(int error) {
-    return error == ENOENT || error == ENOTDIR ? QBR_ERR_FILE_NOT_FOUND : QBR_ERR_OPEN_FOR_WRITING;
+    return error == ENOENT || error == ENOTDIR ? qbmsg::FileNotFound : qbmsg::CannotOpenForWriting;
 }
 
 // A link is written through: the file it names is replaced, and the link stays.
@@ -33,13 +33,13 @@ QBString resolveLink(const QBString& path) {
 
 int QBReplacingFile::open(const QBString& path) {
     abandon();
-    if (path.isEmpty()) return QBR_ERR_INVALID_ARGUMENT;
+    if (path.isEmpty()) return qbmsg::InvalidArgument;
     target = resolveLink(path);
     int slash = target.rcpos('/');
     QBString folder = slash >= 0 ? target.sub(0, unsigned(slash) + 1) : QBString("");
     QBString name = slash >= 0 ? target.sub(unsigned(slash) + 1) : target;
     temporary = folder + "." + name + ".qbrefactor-XXXXXX";
-    if (temporary.isNull()) return QBR_ERR_NO_MEMORY;
+    if (temporary.isNull()) return qbmsg::OutOfMemory;
     fd = mkstemp(temporary.get_nonconst());
     if (fd < 0) {
         int status = statusOfErrno(errno);
@@ -72,7 +72,7 @@ unsigned QBReplacingFile::write(const char* data, unsigned length) {
 }
 
 int QBReplacingFile::close() {
-    if (fd < 0) return QBR_ERR_INVALID_ARGUMENT;
+    if (fd < 0) return qbmsg::InvalidArgument;
     bool ok = fsync(fd) == 0;
     ok = ::close(fd) == 0 && ok;
     fd = -1;
@@ -80,7 +80,7 @@ int QBReplacingFile::close() {
     if (!ok) {
         unlink(temporary.get());
         temporary.makeNull();
-        return QBR_ERR_OPEN_FOR_WRITING;
+        return qbmsg::CannotOpenForWriting;
     }
     temporary.makeNull();
     return 0;

@@ -12,7 +12,7 @@ public:
     QBReplacingFile(const QBReplacingFile&) = delete;
     QBReplacingFile& operator=(const QBReplacingFile&) = delete;
 
-    // A handle of 0 or more, or -2 (no such folder) or -37 (can't be written there).
+    // A handle of 0 or more, FileNotFound (no such folder) or CannotOpenForWriting (not writable).
     int open(const quernbase::QBString& path);
     // The number of bytes written; fewer than asked means failure.
     unsigned write(const char* data, unsigned length);

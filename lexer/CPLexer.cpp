@@ -12,26 +12,8 @@ CPLexer::CPLexer(const BPSourceHandle& source, int mode)
 
 CPLexer::~CPLexer() = default;
 
-namespace {
-
-struct CxxOnlyKinds {
-    bool kinds[CPT_LAST_TOKEN + 1] = {};
-    CxxOnlyKinds() {
-#define CXX_ONLY(name) kinds[name] = true;
-#define TOKEN(number, name, print)
-#define KEYWORD(number, name, print)
-#include "CPTokenKinds.def"
-#undef KEYWORD
-#undef TOKEN
-#undef CXX_ONLY
-    }
-};
-const CxxOnlyKinds cxxOnly;
-
-}  // namespace
-
 int CPLexer::kindInC(int kind, const char* start, const char* end) const {
-    if (kind >= 0 && kind <= CPT_LAST_TOKEN && cxxOnly.kinds[kind]) return CPT_IDENTIFIER;
+    if (cpTokenHas(kind, CPTK_CXX_ONLY)) return CPT_IDENTIFIER;
     if (kind == CPT_IDENTIFIER && end - start == 5 && std::memcmp(start, "_Bool", 5) == 0)
         return CPT_kw_bool;
     return kind;

@@ -6,9 +6,6 @@ namespace {
 
 #include "CPKeywords.inc"
 
-enum { ERR_GARBAGE = -8006, ERR_OPEN_COMMENT = -8007, ERR_OPEN_LITERAL = -8008,
-       WARN_COMMENT_RUNS_ON = -8075 };
-
 bool isDigit(char c) { return c >= '0' && c <= '9'; }
 bool isOctal(char c) { return c >= '0' && c <= '7'; }
 bool isHex(char c) {
@@ -28,7 +25,7 @@ struct Scan {
     char at(int i) const { return p + i < s.end ? p[i] : 0; }
     int garbage(int taken) {
         p += taken;
-        s.pendingError = ERR_GARBAGE;
+        s.pendingError = qbmsg::StrayCharacter;
         return CPT_GARBAGE_CHAR;
     }
     // Takes a line end, a carriage return and line feed counting as one.
@@ -142,7 +139,7 @@ int Scan::literal(char close, int kind) {
             return kind;
         }
         if (isLineEnd(c) || atEnd()) {
-            s.pendingError = ERR_OPEN_LITERAL;
+            s.pendingError = qbmsg::UnclosedLiteral;
             return kind;
         }
         if (c == '\\')
@@ -164,7 +161,7 @@ int Scan::lineComment() {
             ++p;
             takeLineEnd();
             while (isBlank(*p)) ++p;
-            if (*p != '/' && !isLineEnd(*p)) s.pendingWarning = WARN_COMMENT_RUNS_ON;
+            if (*p != '/' && !isLineEnd(*p)) s.pendingWarning = qbmsg::CommentRunsOn;
             continue;
         }
         if (*p == 0 && !atEnd()) {  // a zero byte inside the comment
@@ -184,7 +181,7 @@ int Scan::blockComment() {
             return CPT_BLOCK_COMMENT;
         }
         if (atEnd()) {
-            s.pendingError = ERR_OPEN_COMMENT;
+            s.pendingError = qbmsg::UnclosedComment;
             return CPT_BLOCK_COMMENT;
         }
         if (c == '\n' || (c == '\r' && at(1) != '\n')) ++s.line;

@@ -5,20 +5,10 @@
 #include <string>
 #include <vector>
 
+#include "QBMessageTexts.h"
 #include "qbmessagefile.h"
 
 namespace {
-
-struct Message {
-    int code;
-    const char* text;
-};
-
-const Message messages[] = {
-#define QBMSG(code, text) {code, text},
-#include "messages.def"
-#undef QBMSG
-};
 
 void putWord(std::string& out, int32_t value) {
     uint32_t v = uint32_t(value);
@@ -26,11 +16,11 @@ void putWord(std::string& out, int32_t value) {
 }
 
 std::string build() {
-    const size_t n = sizeof messages / sizeof messages[0];
+    const size_t n = qbmsg::kEntryCount;
     std::string header, texts;
     putWord(header, qbmessagefile::MAGIC);
     putWord(header, int32_t(qbmessagefile::HEADER_BYTES + qbmessagefile::ENTRY_BYTES * (n + 1)));
-    for (const Message& m : messages) {
+    for (const qbmsg::Entry& m : qbmsg::kEntries) {
         putWord(header, m.code);
         putWord(header, int32_t(texts.size()));
         texts += m.text;

@@ -51,12 +51,12 @@ CPParseTree* parseClassSpecifier(CPParseContext& ctx, unsigned) {
     node->addChild(bases);
     if (!ctx.at(CPT_LEFT_BRACE)) {
         if (!bases) return ctx.rollback(node);
-        return ctx.fail(node, -8002, "{");
+        return ctx.failExpecting(node, CPT_LEFT_BRACE);
     }
     ctx.take(node);
     noteSpelled(ctx, name, isUnion ? CPNAME_UNION : CPNAME_CLASS);
     readMembers(ctx, node);
-    if (!ctx.accept(node, CPT_RIGHT_BRACE)) return ctx.fail(node, -8002, "}");
+    if (!ctx.expect(node, CPT_RIGHT_BRACE)) return ctx.bail(node);
     return ctx.commit(node);
 }
 
@@ -138,7 +138,7 @@ CPParseTree* parseMemberSequence(CPParseContext& ctx, unsigned) {
     if (isAccess(ctx.type())) {
         ctx.take(node);
         if (!ctx.accept(node, CPT_COLON)) {
-            node->logErrorAtSource(ctx.source, -8002, QBString(":"));
+            node->logErrorAtSource(ctx.source, qbmsg::ExpectedToken, cpTokenSpelling(CPT_COLON));
             ctx.source.commitWithError(node);
             return node;
         }
@@ -160,10 +160,10 @@ CPParseTree* parseIfExistsMembers(CPParseContext& ctx, unsigned) {
     if (!readIfExistsHead(ctx, node)) return ctx.bail(node);
     if (isAccess(ctx.type())) {
         ctx.take(node);
-        if (!ctx.accept(node, CPT_COLON)) return ctx.fail(node, -8002, ":");
+        if (!ctx.expect(node, CPT_COLON)) return ctx.bail(node);
     }
     readMemberRun(ctx, node);
-    if (!ctx.accept(node, CPT_RIGHT_BRACE)) return ctx.fail(node, -8002, "}");
+    if (!ctx.expect(node, CPT_RIGHT_BRACE)) return ctx.bail(node);
     return ctx.commit(node);
 }
 
@@ -364,7 +364,7 @@ CPParseTree* parseEnumSpecifier(CPParseContext& ctx, unsigned) {
         node->addChild(enumerator);
         if (!ctx.accept(node, CPT_COMMA)) break;
     }
-    if (!ctx.accept(node, CPT_RIGHT_BRACE)) return ctx.fail(node, -8002, "}");
+    if (!ctx.expect(node, CPT_RIGHT_BRACE)) return ctx.bail(node);
     return ctx.commit(node);
 }
 

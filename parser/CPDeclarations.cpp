@@ -71,8 +71,8 @@ CPParseTree* parseCompilationUnit(CPParseContext& ctx) {
         if (CPToken* end = ctx.source.currentToken()) unit->addChild(end);
         return ctx.commit(unit);
     }
-    unit->logErrorAtSource(ctx.source, -8001, ctx.currentText());
-    unit->logErrorAtSource(ctx.source, -8002, QBString("EOF"));
+    unit->logErrorAtSource(ctx.source, qbmsg::SyntaxError, ctx.currentText());
+    unit->logErrorAtSource(ctx.source, qbmsg::ExpectedToken, cpTokenKindName(CPT_EOF));
     // Nothing behind this point is parsed, but its tokens stay so that the text is whole.
     unit->recoverTo(ctx.source, CPT_EOF, true);
     ctx.source.commitWithError(unit);
@@ -379,9 +379,9 @@ CPParseTree* parseMemberInitializer(CPParseContext& ctx, unsigned flags) {
     }
     id->addChild(base);
     node->addChild(id);
-    if (!ctx.accept(node, CPT_LEFT_PAREN)) return ctx.fail(node, -8002, "(");
+    if (!ctx.expect(node, CPT_LEFT_PAREN)) return ctx.bail(node);
     node->addChild(parseExpressionList(ctx, CPPARSE_OPTIONAL));
-    if (!ctx.accept(node, CPT_RIGHT_PAREN)) return ctx.fail(node, -8002, ")");
+    if (!ctx.expect(node, CPT_RIGHT_PAREN)) return ctx.bail(node);
     return ctx.commit(node);
 }
 

@@ -132,7 +132,7 @@ CPParseTree* arraySuffix(CPParseContext& ctx, CPParseTree* base, CPParseTree* no
         node->addChild(ctx.at(CPT_RIGHT_BRACKET) ? nullptr : parseConditionalExpression(ctx, CPPARSE_OPTIONAL));
         node->addChild(nullptr);
     }
-    ctx.expect(node, CPT_RIGHT_BRACKET, "]");
+    ctx.expect(node, CPT_RIGHT_BRACKET);
     return node;
 }
 
@@ -148,7 +148,7 @@ CPParseTree* functionSuffix(CPParseContext& ctx, CPParseTree* base, CPParseTree*
         clause = parseParameterClause(ctx, 0);
     }
     ctx.source.commit();
-    if (!ctx.require(node, clause) || !ctx.expect(node, CPT_RIGHT_PAREN, ")")) return node;
+    if (!ctx.require(node, clause) || !ctx.expect(node, CPT_RIGHT_PAREN)) return node;
     bool cv = ctx.at(CPT_kw_const) || ctx.at(CPT_kw_volatile);
     node->addChild(cv ? parseCVQualifiers(ctx, 0) : nullptr);
     node->addChild(ctx.at(CPT_kw_throw) ? parseExceptionSpecification(ctx, 0) : nullptr);
@@ -402,7 +402,7 @@ CPParseTree* parseExceptionSpecification(CPParseContext& ctx, unsigned) {
     if (!node) return nullptr;
     ctx.mark();
     ctx.take(node);
-    if (!ctx.accept(node, CPT_LEFT_PAREN)) return ctx.fail(node, -8002, "(");
+    if (!ctx.expect(node, CPT_LEFT_PAREN)) return ctx.bail(node);
     if (!ctx.accept(node, CPT_ELLIPSE)) {
         while (!ctx.at(CPT_RIGHT_PAREN)) {
             CPParseTree* type = parseTypeId(ctx, 0);
@@ -411,7 +411,7 @@ CPParseTree* parseExceptionSpecification(CPParseContext& ctx, unsigned) {
             if (!ctx.accept(node, CPT_COMMA)) break;
         }
     }
-    if (!ctx.accept(node, CPT_RIGHT_PAREN)) return ctx.fail(node, -8002, ")");
+    if (!ctx.expect(node, CPT_RIGHT_PAREN)) return ctx.bail(node);
     return ctx.commit(node);
 }
 

@@ -29,10 +29,7 @@ CPParseTree* commaList(CPParseContext& ctx, CPParseTree* node) {
     return nullptr;
 }
 
-bool isAssignmentOperator(CPParseNodeType t) {
-    return (t >= CPT_EQUALS && t <= CPT_CAROT_EQUALS) || t == CPT_kw_and_eq || t == CPT_kw_or_eq ||
-           t == CPT_kw_xor_eq;
-}
+bool isAssignmentOperator(CPParseNodeType t) { return cpTokenHas(t, CPTK_ASSIGNMENT); }
 
 // left ? expression? : assignment-expression, with the source marked by the caller.
 CPParseTree* conditionalTail(CPParseContext& ctx, CPParseTree* left, bool full) {
@@ -41,7 +38,7 @@ CPParseTree* conditionalTail(CPParseContext& ctx, CPParseTree* left, bool full) 
     node->addChild(left);
     ctx.take(node);
     node->addChild(ctx.at(CPT_COLON) ? nullptr : parseExpression(ctx, CPPARSE_OPTIONAL));
-    if (!ctx.accept(node, CPT_COLON)) return ctx.fail(node, -8002, ":");
+    if (!ctx.expect(node, CPT_COLON)) return ctx.bail(node);
     CPParseTree* right = full ? parseAssignmentExpression(ctx, 0) : parseConditionalExpression(ctx, 0);
     if (!ctx.require(node, right)) return ctx.bail(node);
     return ctx.commit(node);

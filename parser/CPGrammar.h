@@ -123,7 +123,7 @@ template <class N> CPParseTree* parseParenthesizedList(CPParseContext& ctx) {
     CPParseTree* list = parseExpressionList(ctx, 0);
     if (!list) return ctx.rollback(node);
     node->addChild(list);
-    if (!ctx.accept(node, CPT_RIGHT_PAREN)) return ctx.fail(node, -8002, ")");
+    if (!ctx.expect(node, CPT_RIGHT_PAREN)) return ctx.bail(node);
     return ctx.commit(node);
 }
 // True if the node or a child it holds is one of the function declarator kinds.

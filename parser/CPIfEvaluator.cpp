@@ -71,7 +71,7 @@ int64_t Evaluator::binary(CPParseNode* node) {
     case CPT_SLASH: case CPT_PERCENT:
         if (b == 0) {
             ++errors;
-            node->logErrorAtNode(node, -8034);
+            node->logErrorAtNode(node, qbmsg::DivisionByZero);
             return 0;
         }
         if (b == -1) return operatorOf(node) == CPT_SLASH ? int64_t(0 - ua) : 0;
@@ -112,10 +112,10 @@ int64_t Evaluator::defined(CPParseNode* node) {
     CPToken* name = node->getTokenChild(2);
     if (!name) {
         ++errors;
-        node->logErrorAtNode(node, -8024);
+        node->logErrorAtNode(node, qbmsg::NothingToWorkOn);
         return 0;
     }
-    if (name->getType() >= CPT_kw___cplusplus && name->getType() <= CPT_kw___TIMESTAMP__) return 1;
+    if (cpTokenHas(name->getType(), CPTK_BUILTIN)) return 1;
     return query ? query(context, name, false) : 0;
 }
 

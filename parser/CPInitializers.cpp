@@ -31,7 +31,7 @@ CPParseTree* parseIfExistsInitializer(CPParseContext& ctx) {
     CPParseTree* value = ctx.at(CPT_LEFT_BRACE) ? parseInitializerList(ctx, 0) : parseAssignmentExpression(ctx, 0);
     if (!ctx.require(node, value)) return ctx.bail(node);
     if (!ctx.accept(node, CPT_COMMA)) node->addChild(nullptr);
-    if (!ctx.accept(node, CPT_RIGHT_BRACE)) return ctx.fail(node, -8002, "}");
+    if (!ctx.expect(node, CPT_RIGHT_BRACE)) return ctx.bail(node);
     return ctx.commit(node);
 }
 
@@ -100,7 +100,7 @@ CPParseTree* parseInitializerList(CPParseContext& ctx, unsigned) {
             node->addChild(nullptr);
         }
     }
-    if (!ctx.accept(node, CPT_RIGHT_BRACE)) return ctx.fail(node, -8002, "}");
+    if (!ctx.expect(node, CPT_RIGHT_BRACE)) return ctx.bail(node);
     return ctx.commit(node);
 }
 

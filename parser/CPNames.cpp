@@ -145,7 +145,7 @@ CPParseTree* parseOperatorFunctionId(CPParseContext& ctx, unsigned) {
         ctx.take(node);
         bool bracket = t == CPT_LEFT_BRACKET;
         if (!ctx.accept(node, bracket ? CPT_RIGHT_BRACKET : CPT_RIGHT_PAREN))
-            return ctx.fail(node, -8002, bracket ? "]" : ")");
+            return ctx.failExpecting(node, bracket ? CPT_RIGHT_BRACKET : CPT_RIGHT_PAREN);
     } else if (isOperatorToken(t)) {
         ctx.take(node);
     } else {

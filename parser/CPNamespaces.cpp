@@ -18,9 +18,9 @@ CPParseTree* parseNamespaceDefinition(CPParseContext& ctx, unsigned flags) {
     ctx.take(node);
     CPParseTree* name = parseIdentifier(ctx, CPPARSE_OPTIONAL);
     node->addChild(name);
-    if (!ctx.accept(node, CPT_LEFT_BRACE)) return ctx.fail(node, -8002, "{");
+    if (!ctx.expect(node, CPT_LEFT_BRACE)) return ctx.bail(node);
     node->addChild(parseDeclarationSequence(ctx, flags | CPPARSE_OPTIONAL));
-    if (!ctx.accept(node, CPT_RIGHT_BRACE)) return ctx.fail(node, -8002, "}");
+    if (!ctx.expect(node, CPT_RIGHT_BRACE)) return ctx.bail(node);
     QBString text;
     cpSpelledName(name, text);
     cpNoteName(ctx.names, text, CPNAME_NAMESPACE);
@@ -53,7 +53,7 @@ CPParseTree* parseNamespaceAlias(CPParseContext& ctx, unsigned) {
     }
     target->addChild(last);
     node->addChild(ctx.commit(target));
-    if (!ctx.accept(node, CPT_SEMICOLON)) return ctx.fail(node, -8002, ";");
+    if (!ctx.expect(node, CPT_SEMICOLON)) return ctx.bail(node);
     QBString text;
     cpSpelledName(name, text);
     cpNoteName(ctx.names, text, CPNAME_NAMESPACE);
@@ -77,7 +77,7 @@ CPParseTree* parseLinkageSpecification(CPParseContext& ctx, unsigned flags) {
     if (!ctx.require(node, literal)) return ctx.bail(node);
     if (ctx.accept(node, CPT_LEFT_BRACE)) {
         node->addChild(parseDeclarationSequence(ctx, flags | CPPARSE_OPTIONAL));
-        if (!ctx.accept(node, CPT_RIGHT_BRACE)) return ctx.fail(node, -8002, "}");
+        if (!ctx.expect(node, CPT_RIGHT_BRACE)) return ctx.bail(node);
         return ctx.commit(node);
     }
     node->addChild(nullptr);
@@ -105,7 +105,7 @@ CPParseTree* parseUsingDeclaration(CPParseContext& ctx, unsigned) {
     CPParseTree* id = parseUnqualifiedId(ctx, 0);
     if (!id) return ctx.failHere(node);
     node->addChild(id);
-    if (!ctx.accept(node, CPT_SEMICOLON)) return ctx.fail(node, -8002, ";");
+    if (!ctx.expect(node, CPT_SEMICOLON)) return ctx.bail(node);
     return ctx.commit(node);
 }
 
@@ -116,13 +116,13 @@ CPParseTree* parseUsingDirective(CPParseContext& ctx, unsigned) {
     if (!node) return nullptr;
     ctx.mark();
     ctx.take(node);
-    if (!ctx.accept(node, CPT_kw_namespace)) return ctx.fail(node, -8002, "namespace");
+    if (!ctx.expect(node, CPT_kw_namespace)) return ctx.bail(node);
     if (!ctx.accept(node, CPT_COLON_COLON)) node->addChild(nullptr);
     node->addChild(parseNestedNameSpecifier(ctx, 0));
     CPParseTree* name = parseIdentifier(ctx, 0);
     if (!name) return ctx.failHere(node);
     node->addChild(name);
-    if (!ctx.accept(node, CPT_SEMICOLON)) return ctx.fail(node, -8002, ";");
+    if (!ctx.expect(node, CPT_SEMICOLON)) return ctx.bail(node);
     return ctx.commit(node);
 }
 
@@ -215,7 +215,7 @@ CPParseTree* parseComAttribute(CPParseContext& ctx, unsigned) {
     ctx.mark();
     ctx.take(node);
     while (isAttributeToken(ctx.type())) ctx.take(node);
-    if (!ctx.accept(node, CPT_RIGHT_BRACKET)) return ctx.fail(node, -8002, "]");
+    if (!ctx.expect(node, CPT_RIGHT_BRACKET)) return ctx.bail(node);
     ctx.accept(node, CPT_SEMICOLON);
     return ctx.commit(node);
 }
@@ -224,9 +224,9 @@ CPParseTree* parseComAttribute(CPParseContext& ctx, unsigned) {
 // logged message.
 bool readIfExistsHead(CPParseContext& ctx, CPParseTree* node) {
     ctx.take(node);
-    if (!ctx.expect(node, CPT_LEFT_PAREN, "(")) return false;
+    if (!ctx.expect(node, CPT_LEFT_PAREN)) return false;
     if (!ctx.require(node, parseUnary(ctx, 0))) return false;
-    return ctx.expect(node, CPT_RIGHT_PAREN, ")") && ctx.expect(node, CPT_LEFT_BRACE, "{");
+    return ctx.expect(node, CPT_RIGHT_PAREN) && ctx.expect(node, CPT_LEFT_BRACE);
 }
 
 // __if_exists-declaration:
@@ -237,7 +237,7 @@ CPParseTree* parseIfExistsDeclaration(CPParseContext& ctx, unsigned flags) {
     ctx.mark();
     if (!readIfExistsHead(ctx, node)) return ctx.bail(node);
     node->addChild(parseDeclarationSequence(ctx, flags | CPPARSE_OPTIONAL));
-    if (!ctx.accept(node, CPT_RIGHT_BRACE)) return ctx.fail(node, -8002, "}");
+    if (!ctx.expect(node, CPT_RIGHT_BRACE)) return ctx.bail(node);
     return ctx.commit(node);
 }
 

@@ -18,10 +18,14 @@ CPParseTree* CPParseContext::fail(CPParseTree* node, int code, const QBString& t
     return node;
 }
 
-bool CPParseContext::expect(CPParseTree* node, CPParseNodeType t, const char* text) {
+bool CPParseContext::expect(CPParseTree* node, CPParseNodeType t) {
     if (accept(node, t)) return true;
-    node->logErrorAtSource(source, -8002, QBString(text));
+    node->logErrorAtSource(source, qbmsg::ExpectedToken, cpTokenSpelling(t));
     return false;
+}
+
+CPParseTree* CPParseContext::failExpecting(CPParseTree* node, CPParseNodeType t) {
+    return fail(node, qbmsg::ExpectedToken, cpTokenSpelling(t));
 }
 
 bool CPParseContext::require(CPParseTree* node, CPParseNode* child) {
@@ -29,7 +33,7 @@ bool CPParseContext::require(CPParseTree* node, CPParseNode* child) {
         node->addChild(child);
         return true;
     }
-    node->logErrorAtSource(source, -8001, currentText());
+    node->logErrorAtSource(source, qbmsg::SyntaxError, currentText());
     return false;
 }
 
@@ -51,56 +55,23 @@ void cpNoteDeclared(CPParseContext& ctx, const CPParseTree* node, int kind) {
 
 // --- token classes ---
 
-namespace {
-
-bool inList(CPParseNodeType t, const CPParseNodeType* list) {
-    for (; *list != CPT_NULL; ++list)
-        if (*list == t) return true;
-    return false;
-}
-
-// Names in C that are operators or types in C++.
-const CPParseNodeType kFirstNameList[] = {
-    CPT_kw_and,    CPT_kw_and_eq, CPT_kw_bitand,  CPT_kw_bitor, CPT_kw_bool,
-    CPT_kw_compl,  CPT_kw_export, CPT_kw_friend,  CPT_kw_not,   CPT_kw_not_eq,
-    CPT_kw_or,     CPT_kw_or_eq,  CPT_kw_wchar_t, CPT_kw_xor,   CPT_kw_xor_eq, CPT_NULL};
-
-// The Microsoft statement words that the second list holds but that unqualified ids take with
-// the first list.
-const CPParseNodeType kMicrosoftWords[] = {CPT_kw___try, CPT_kw___leave, CPT_kw___if_exists,
-                                           CPT_kw___if_not_exists, CPT_NULL};
-
-const CPParseNodeType kSecondNameList[] = {
-    CPT_kw_asm,       CPT_kw_catch,     CPT_kw_class,     CPT_kw_const_cast,
-    CPT_kw_delete,    CPT_kw_dynamic_cast, CPT_kw_explicit, CPT_kw_false,
-    CPT_kw_inline,    CPT_kw_mutable,   CPT_kw_namespace, CPT_kw_new,
-    CPT_kw_operator,  CPT_kw_private,   CPT_kw_protected, CPT_kw_public,
-    CPT_kw_reinterpret_cast, CPT_kw_restrict, CPT_kw_static_cast, CPT_kw_template,
-    CPT_kw_this,      CPT_kw_throw,     CPT_kw_true,      CPT_kw_try,
-    CPT_kw_typeid,    CPT_kw_typename,  CPT_kw_using,     CPT_kw_virtual,
-    CPT_kw___try,     CPT_kw___leave,   CPT_kw___if_exists, CPT_kw___if_not_exists,
-    CPT_kw___asm,     CPT_NULL};
-
-
-}  // namespace
-
 bool cpIsLabelName(CPParseNodeType t) {
     return t == CPT_IDENTIFIER || t == CPT_kw___except || t == CPT_kw___finally ||
-           inList(t, kFirstNameList) || inList(t, kSecondNameList);
+           cpTokenHas(t, CPTK_C_NAME | CPTK_KEYWORD_NAME);
 }
 
 bool cpIsNameKeyword(CPParseNodeType t, unsigned flags) {
-    if ((flags & (CPPARSE_KEYWORD_NAMES | CPPARSE_ALL_KEYWORD_NAMES)) && inList(t, kFirstNameList))
+    if ((flags & (CPPARSE_KEYWORD_NAMES | CPPARSE_ALL_KEYWORD_NAMES)) && cpTokenHas(t, CPTK_C_NAME))
         return true;
-    return (flags & CPPARSE_KEYWORD_NAMES) && inList(t, kSecondNameList);
+    return (flags & CPPARSE_KEYWORD_NAMES) && cpTokenHas(t, CPTK_KEYWORD_NAME);
 }
 
-// The unqualified-id variant of the two lists.
+// The unqualified-id variant: the Microsoft statement words go with the C names.
 bool cpIsIdNameKeyword(CPParseNodeType t, unsigned flags) {
-    if (flags & CPPARSE_KEYWORD_NAMES)
-        if (inList(t, kFirstNameList) || inList(t, kMicrosoftWords)) return true;
-    return (flags & CPPARSE_ALL_KEYWORD_NAMES) && inList(t, kSecondNameList) &&
-           !inList(t, kMicrosoftWords);
+    unsigned kind = cpTokenFlags(t);
+    if ((flags & CPPARSE_KEYWORD_NAMES) && (kind & (CPTK_C_NAME | CPTK_MS_WORD))) return true;
+    return (flags & CPPARSE_ALL_KEYWORD_NAMES) && (kind & CPTK_KEYWORD_NAME) &&
+           !(kind & CPTK_MS_WORD);
 }
 
 bool cpIsBuiltinTypeKeyword(CPParseNodeType t) {

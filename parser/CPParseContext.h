@@ -113,11 +113,14 @@ struct CPParseContext {
         source.commitWithError(node);
         return node;
     }
-    // -8001 with the current token's text.
-    CPParseTree* failHere(CPParseTree* node) { return fail(node, -8001, currentText()); }
-    // Requires a token: it is taken, or -8002 with its text is logged. True when taken.
-    bool expect(CPParseTree* node, CPParseNodeType t, const char* text);
-    // Adds child, or logs -8001 when it is null. True when there was a child.
+    // SyntaxError with the current token's text.
+    CPParseTree* failHere(CPParseTree* node) { return fail(node, qbmsg::SyntaxError, currentText()); }
+    // Requires a token: it is taken, or ExpectedToken with its spelling is logged. True when
+    // taken.
+    bool expect(CPParseTree* node, CPParseNodeType t);
+    // ExpectedToken with t's spelling, then as fail.
+    CPParseTree* failExpecting(CPParseTree* node, CPParseNodeType t);
+    // Adds child, or logs SyntaxError when it is null. True when there was a child.
     bool require(CPParseTree* node, CPParseNode* child);
 };
 

@@ -7,14 +7,12 @@
 #include "CPParseTree.h"
 #include "CPPreprocessorIfAdapter.h"
 #include "CPPreprocessorNodes.h"
+#include "QBMessageCodes.h"
 
 using quernbase::QBArray;
 using quernbase::QBString;
 
 namespace {
-
-enum { ERR_NO_MEMORY = -8, ERR_CANCELLED = -2038, ERR_TREE_HAS_ERRORS = -8001,
-       ERR_NO_ROOT = -8024 };
 
 // The file's source record, from the shared cache when there is one.
 BPSourceHandle loadSource(BPSourceCache* cache, const QBString& name, int& status) {
@@ -41,13 +39,13 @@ CPParser::~CPParser() { BPRefCountObject::assign(root, static_cast<CPParseTree*>
 
 int CPParser::addUserIncludePath(const QBString& path) {
     QBString entry(path);
-    if (entry.strip(" \t") < 0) return ERR_NO_MEMORY;
+    if (entry.strip(" \t") < 0) return qbmsg::OutOfMemory;
     return entry.isEmpty() ? 0 : preprocessor.addUserIncludePath(entry);
 }
 
 int CPParser::addSystemIncludePath(const QBString& path) {
     QBString entry(path);
-    if (entry.strip(" \t") < 0) return ERR_NO_MEMORY;
+    if (entry.strip(" \t") < 0) return qbmsg::OutOfMemory;
     return entry.isEmpty() ? 0 : preprocessor.addSystemIncludePath(entry);
 }
 
@@ -75,50 +73,50 @@ int CPParser::open(const QBString& name) {
     BPSourceHandle loaded = loadSource(preprocessor.getSourceCache(), name, status);
     if (status < 0) {
         // A file that can't be read is reported against itself, so the user learns why.
-        if (logError(status, 2, fileName) == ERR_NO_MEMORY) return ERR_NO_MEMORY;
+        if (logError(status, 2, fileName) == qbmsg::OutOfMemory) return qbmsg::OutOfMemory;
         return status;
     }
     source = loaded;
     while (lexer.getSourceCount() > 0) lexer.popSource();
-    return lexer.pushSource(source) < 0 ? ERR_NO_MEMORY : 0;
+    return lexer.pushSource(source) < 0 ? qbmsg::OutOfMemory : 0;
 }
 
-// -8001 when any tree of the file carries the error flag.
+// SyntaxError when any tree of the file carries the error flag.
 int CPParser::treeStatus() const {
-    if (!root || root->hasError() || preprocessor.hasErrors()) return ERR_TREE_HAS_ERRORS;
+    if (!root || root->hasError() || preprocessor.hasErrors()) return qbmsg::SyntaxError;
     return 0;
 }
 
 // Reading the first token makes the preprocessor read the source tree and run it, so the whole
 // file is preprocessed before the first declaration is parsed.
 int CPParser::parse(const QBString& name) {
-    if (cancelled) return ERR_CANCELLED;
+    if (cancelled) return qbmsg::Cancelled;
     if (int rc = open(name)) return rc;
     CPParseTree* unit = cpParseCompilationUnit(preprocessor);
     BPRefCountObject::assign(root, unit);
-    if (cancelled) return ERR_CANCELLED;
+    if (cancelled) return qbmsg::Cancelled;
     if (CPPreprocessorUnit* sourceTree = preprocessor.getSourceTree()) sourceTree->source = source;
-    if (!root && !preprocessor.getSourceTree()) return ERR_NO_MEMORY;
+    if (!root && !preprocessor.getSourceTree()) return qbmsg::OutOfMemory;
     return treeStatus();
 }
 
 int CPParser::preprocess(QBString& out, bool addLineMarkers) {
-    if (cancelled) return ERR_CANCELLED;
+    if (cancelled) return qbmsg::Cancelled;
     if (int rc = open(fileName)) return rc;
     int rc = preprocessor.writePreprocessedText(out, addLineMarkers);
-    if (rc < 0) return cancelled ? ERR_CANCELLED : rc;
-    if (out.append('\n') < 0) return ERR_NO_MEMORY;
-    return preprocessor.hasErrors() ? ERR_TREE_HAS_ERRORS : 0;
+    if (rc < 0) return cancelled ? qbmsg::Cancelled : rc;
+    if (out.append('\n') < 0) return qbmsg::OutOfMemory;
+    return preprocessor.hasErrors() ? qbmsg::SyntaxError : 0;
 }
 
 // Analysis is not there yet: both passes only check that there is a tree to analyse.
 int CPParser::analyzeFirstPass() {
-    if (!root) return ERR_NO_ROOT;
+    if (!root) return qbmsg::NothingToWorkOn;
     return checkCancelled();
 }
 
 int CPParser::analyzeSecondPass() {
-    if (!root) return ERR_NO_ROOT;
+    if (!root) return qbmsg::NothingToWorkOn;
     return checkCancelled();
 }
 
@@ -136,13 +134,13 @@ int CPParser::logError(int code, int severity, const QBString& argument) {
     if (rc >= 0) rc = record.arguments.add(argument);
     if (rc >= 0) rc = loadErrors.addRecord(record);
     if (rc >= 0) rc = errors.addRecord(record);
-    return rc < 0 ? ERR_NO_MEMORY : 0;
+    return rc < 0 ? qbmsg::OutOfMemory : 0;
 }
 
 // Gathered afresh each time, so that calling it twice doesn't repeat a message.
 int CPParser::collectAllErrors() {
     errors.clearRecords();
-    if (errors.merge(loadErrors) < 0) return ERR_NO_MEMORY;
+    if (errors.merge(loadErrors) < 0) return qbmsg::OutOfMemory;
     if (int rc = preprocessor.collectErrors(errors); rc < 0) return rc;
     if (!root || !root->hasError()) return 0;
     return root->collectErrors(errors);
@@ -153,13 +151,13 @@ int CPParser::getErrorCount() const { return errors.getErrorCount(); }
 int CPParser::getWarningCount() const { return errors.getWarningCount(); }
 
 int CPParser::getErrorTexts(QBArray<QBString>& out) const {
-    return errors.appendTexts(out) < 0 ? ERR_NO_MEMORY : 0;
+    return errors.appendTexts(out) < 0 ? qbmsg::OutOfMemory : 0;
 }
 
 // ---- Host callbacks -----------------------------------------------------------------------
 
 int CPParser::reportMessage(const char* text, int flag) {
-    if (cancelled) return ERR_CANCELLED;
+    if (cancelled) return qbmsg::Cancelled;
     if (!messageCallback) return 0;
     int answer = messageCallback(text, flag);
     if (answer < 0) cancelled = true;
@@ -169,7 +167,7 @@ int CPParser::reportMessage(const char* text, int flag) {
 // Phases share one bar: preprocessing the first third, parsing up to five sixths, analysis the
 // rest.
 int CPParser::reportProgress(int64_t current, int64_t total, int phase) {
-    if (cancelled) return ERR_CANCELLED;
+    if (cancelled) return qbmsg::Cancelled;
     if (!progressCallback) return 0;
     int64_t sentCurrent = current, sentTotal = total;
     if (phase == 1) sentTotal = total * 3;
@@ -184,7 +182,7 @@ int CPParser::locateFile(const char* includeName, char* buffer, int size) {
     if (buffer && size > 0) buffer[0] = 0;
     if (!locateFileCallback) return 0;
     int answer = locateFileCallback(transactionId, fileName.get(), includeName, buffer, size);
-    if (answer == ERR_CANCELLED) cancelled = true;
+    if (answer == qbmsg::Cancelled) cancelled = true;
     return answer;
 }
 

@@ -61,11 +61,12 @@ public:
     // True once the preprocessor has made its output tree: the file is parsed.
     bool hasOutputTree() const { return preprocessor.getOutputTree() != nullptr; }
 
-    // The pipeline. parse gives 0, -8001 when a tree has errors, -2038, or the load status.
+    // The pipeline. parse gives 0, SyntaxError when a tree has errors, Cancelled, or the load
+    // status.
     int open(const quernbase::QBString& name);
     int parse(const quernbase::QBString& name);
     int parse() { return parse(fileName); }
-    // The preprocessed text into out, with a final line feed; -8001 when a tree has errors.
+    // The preprocessed text into out, with a final line feed; SyntaxError when a tree has errors.
     int preprocess(quernbase::QBString& out, bool addLineMarkers);
     int analyzeFirstPass();
     int analyzeSecondPass();
@@ -88,7 +89,7 @@ public:
     int reportMessage(const char* text, int flag);
     int reportProgress(int64_t current, int64_t total, int phase);
     int locateFile(const char* includeName, char* buffer, int size);
-    int checkCancelled() const { return cancelled ? -2038 : 0; }
+    int checkCancelled() const { return cancelled ? qbmsg::Cancelled : 0; }
 
 private:
     // The preprocessor's view of this parser.

@@ -17,7 +17,7 @@ CPParseTree* arrayAccess(CPParseContext& ctx, CPParseTree* left) {
     node->addChild(left);
     ctx.take(node);
     if (!ctx.require(node, parseExpression(ctx, 0))) return ctx.bail(node);
-    if (!ctx.accept(node, CPT_RIGHT_BRACKET)) return ctx.fail(node, -8002, "]");
+    if (!ctx.expect(node, CPT_RIGHT_BRACKET)) return ctx.bail(node);
     return ctx.commit(node);
 }
 
@@ -29,7 +29,7 @@ CPParseTree* call(CPParseContext& ctx, CPParseTree* left) {
     node->addChild(left);
     ctx.take(node);
     node->addChild(parseExpressionList(ctx, CPPARSE_OPTIONAL));
-    if (!ctx.accept(node, CPT_RIGHT_PAREN)) return ctx.fail(node, -8002, ")");
+    if (!ctx.expect(node, CPT_RIGHT_PAREN)) return ctx.bail(node);
     return ctx.commit(node);
 }
 
@@ -113,9 +113,9 @@ CPParseTree* parseTypenameExpression(CPParseContext& ctx, unsigned) {
     CPParseTree* type = parseTypenameSpecifier(ctx, 0);
     if (!type) return ctx.rollback(node);
     node->addChild(type);
-    if (!ctx.accept(node, CPT_LEFT_PAREN)) return ctx.fail(node, -8002, "(");
+    if (!ctx.expect(node, CPT_LEFT_PAREN)) return ctx.bail(node);
     node->addChild(parseExpressionList(ctx, CPPARSE_OPTIONAL));
-    if (!ctx.accept(node, CPT_RIGHT_PAREN)) return ctx.fail(node, -8002, ")");
+    if (!ctx.expect(node, CPT_RIGHT_PAREN)) return ctx.bail(node);
     return ctx.commit(node);
 }
 
@@ -125,9 +125,9 @@ CPParseTree* parseCppCast(CPParseContext& ctx, unsigned) {
     if (!node) return nullptr;
     ctx.mark();
     ctx.take(node);
-    bool ok = ctx.expect(node, CPT_LT, "<") && ctx.require(node, parseTypeId(ctx, 0)) &&
-              ctx.expect(node, CPT_GT, ">") && ctx.expect(node, CPT_LEFT_PAREN, "(") &&
-              ctx.require(node, parseExpression(ctx, 0)) && ctx.expect(node, CPT_RIGHT_PAREN, ")");
+    bool ok = ctx.expect(node, CPT_LT) && ctx.require(node, parseTypeId(ctx, 0)) &&
+              ctx.expect(node, CPT_GT) && ctx.expect(node, CPT_LEFT_PAREN) &&
+              ctx.require(node, parseExpression(ctx, 0)) && ctx.expect(node, CPT_RIGHT_PAREN);
     return ok ? ctx.commit(node) : ctx.bail(node);
 }
 
@@ -137,10 +137,10 @@ CPParseTree* parseTypeIdExpression(CPParseContext& ctx, unsigned) {
     if (!node) return nullptr;
     ctx.mark();
     ctx.take(node);
-    if (!ctx.accept(node, CPT_LEFT_PAREN)) return ctx.fail(node, -8002, "(");
+    if (!ctx.expect(node, CPT_LEFT_PAREN)) return ctx.bail(node);
     CPParseTree* operand = parseExpression(ctx, 0);
     if (!operand) operand = parseTypeId(ctx, 0);
-    bool ok = ctx.require(node, operand) && ctx.expect(node, CPT_RIGHT_PAREN, ")");
+    bool ok = ctx.require(node, operand) && ctx.expect(node, CPT_RIGHT_PAREN);
     return ok ? ctx.commit(node) : ctx.bail(node);
 }
 

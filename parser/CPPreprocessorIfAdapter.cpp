@@ -41,7 +41,7 @@ int64_t cpEvaluatePreprocessorCondition(CPPreprocessor* pp, CPPreprocessorFilter
     status = cpEvaluateIfExpression(*source, value, queryMacro, pp, &errors);
     source->release();
     CPPreprocessorFilter* written = tokens->getOrigin();
-    if (errors > 0 && written) written->logErrorAtNode(written, CPPP_ERR_DIVIDE_BY_ZERO);
+    if (errors > 0 && written) written->logErrorAtNode(written, qbmsg::DivisionByZero);
     return value;
 }
 

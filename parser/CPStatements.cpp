@@ -26,15 +26,15 @@ template <class N> CPParseTree* keywordStatement(CPParseContext& ctx, unsigned) 
     if (!node) return nullptr;
     ctx.mark();
     ctx.take(node);
-    if (!ctx.accept(node, CPT_SEMICOLON)) return ctx.fail(node, -8002, ";");
+    if (!ctx.expect(node, CPT_SEMICOLON)) return ctx.bail(node);
     return ctx.commit(node);
 }
 
 // ( condition ) statement, shared by if and while; false after a logged message.
 bool conditionAndBody(CPParseContext& ctx, CPParseTree* node, unsigned flags) {
-    if (!ctx.expect(node, CPT_LEFT_PAREN, "(")) return false;
+    if (!ctx.expect(node, CPT_LEFT_PAREN)) return false;
     if (!ctx.require(node, parseCondition(ctx, 0))) return false;
-    if (!ctx.expect(node, CPT_RIGHT_PAREN, ")")) return false;
+    if (!ctx.expect(node, CPT_RIGHT_PAREN)) return false;
     return ctx.require(node, parseStatement(ctx, flags & ~unsigned(CPPARSE_SINGLE_STATEMENT)));
 }
 
@@ -75,9 +75,9 @@ CPParseTree* parseDoWhile(CPParseContext& ctx, unsigned flags) {
     if (!node) return nullptr;
     ctx.mark();
     ctx.take(node);
-    bool ok = ctx.require(node, parseStatement(ctx, flags)) && ctx.expect(node, CPT_kw_while, "while") &&
-              ctx.expect(node, CPT_LEFT_PAREN, "(") && ctx.require(node, parseExpression(ctx, 0)) &&
-              ctx.expect(node, CPT_RIGHT_PAREN, ")") && ctx.expect(node, CPT_SEMICOLON, ";");
+    bool ok = ctx.require(node, parseStatement(ctx, flags)) && ctx.expect(node, CPT_kw_while) &&
+              ctx.expect(node, CPT_LEFT_PAREN) && ctx.require(node, parseExpression(ctx, 0)) &&
+              ctx.expect(node, CPT_RIGHT_PAREN) && ctx.expect(node, CPT_SEMICOLON);
     return ok ? ctx.commit(node) : ctx.bail(node);
 }
 
@@ -104,12 +104,12 @@ CPParseTree* parseFor(CPParseContext& ctx, unsigned flags) {
     if (!node) return nullptr;
     ctx.mark();
     ctx.take(node);
-    if (!ctx.expect(node, CPT_LEFT_PAREN, "(")) return ctx.bail(node);
+    if (!ctx.expect(node, CPT_LEFT_PAREN)) return ctx.bail(node);
     node->addChild(parseForInit(ctx));
     node->addChild(parseCondition(ctx, CPPARSE_OPTIONAL));
-    if (!ctx.expect(node, CPT_SEMICOLON, ";")) return ctx.bail(node);
+    if (!ctx.expect(node, CPT_SEMICOLON)) return ctx.bail(node);
     node->addChild(ctx.at(CPT_RIGHT_PAREN) ? nullptr : parseExpression(ctx, CPPARSE_OPTIONAL));
-    if (!ctx.expect(node, CPT_RIGHT_PAREN, ")") || !ctx.require(node, parseStatement(ctx, flags)))
+    if (!ctx.expect(node, CPT_RIGHT_PAREN) || !ctx.require(node, parseStatement(ctx, flags)))
         return ctx.bail(node);
     return ctx.commit(node);
 }
@@ -133,7 +133,7 @@ CPParseTree* parseCaseStatement(CPParseContext& ctx, unsigned flags) {
     } else {
         for (int i = 0; i < 3; ++i) node->addChild(nullptr);
     }
-    if (!ctx.accept(node, CPT_COLON)) return ctx.fail(node, -8002, ":");
+    if (!ctx.expect(node, CPT_COLON)) return ctx.bail(node);
     node->addChild(parseStatementSequence(ctx, flags | CPPARSE_OPTIONAL));
     return ctx.commit(node);
 }
@@ -155,13 +155,13 @@ CPParseTree* parseSwitchCases(CPParseContext& ctx, unsigned flags) {
             if (!firstDefault) {
                 firstDefault = label;
             } else {
-                label->logErrorAtNode(label, -8073, QBString("default"));
-                firstDefault->logErrorAtNode(firstDefault, -8018, QBString("default"));
+                label->logErrorAtNode(label, qbmsg::SecondDefaultLabel, QBString("default"));
+                firstDefault->logErrorAtNode(firstDefault, qbmsg::EarlierDeclaration, QBString("default"));
             }
         }
         if ((flags & CPPARSE_SINGLE_STATEMENT) && label->getChild(label->getChildCount() - 1)) break;
     }
-    if (cases == 0) node->logWarningAtSource(ctx.source, -8077);
+    if (cases == 0) node->logWarningAtSource(ctx.source, qbmsg::SwitchWithoutLabels);
     return ctx.commit(node);
 }
 
@@ -171,12 +171,12 @@ CPParseTree* parseSwitch(CPParseContext& ctx, unsigned) {
     if (!node) return nullptr;
     ctx.mark();
     ctx.take(node);
-    if (!ctx.expect(node, CPT_LEFT_PAREN, "(") || !ctx.require(node, parseCondition(ctx, 0)) ||
-        !ctx.expect(node, CPT_RIGHT_PAREN, ")"))
+    if (!ctx.expect(node, CPT_LEFT_PAREN) || !ctx.require(node, parseCondition(ctx, 0)) ||
+        !ctx.expect(node, CPT_RIGHT_PAREN))
         return ctx.bail(node);
     if (ctx.accept(node, CPT_LEFT_BRACE)) {
         node->addChild(parseSwitchCases(ctx, CPPARSE_OPTIONAL));
-        if (!ctx.accept(node, CPT_RIGHT_BRACE)) return ctx.fail(node, -8002, "}");
+        if (!ctx.expect(node, CPT_RIGHT_BRACE)) return ctx.bail(node);
         return ctx.commit(node);
     }
     node->addChild(nullptr);
@@ -192,7 +192,7 @@ CPParseTree* parseReturn(CPParseContext& ctx, unsigned) {
     ctx.mark();
     ctx.take(node);
     node->addChild(ctx.at(CPT_SEMICOLON) ? nullptr : parseExpression(ctx, CPPARSE_OPTIONAL));
-    if (!ctx.accept(node, CPT_SEMICOLON)) return ctx.fail(node, -8002, ";");
+    if (!ctx.expect(node, CPT_SEMICOLON)) return ctx.bail(node);
     return ctx.commit(node);
 }
 
@@ -204,7 +204,7 @@ CPParseTree* parseGoto(CPParseContext& ctx, unsigned) {
     ctx.take(node);
     if (!ctx.require(node, parseIdentifier(ctx, CPPARSE_KEYWORD_NAMES | CPPARSE_ALL_KEYWORD_NAMES)))
         return ctx.bail(node);
-    if (!ctx.accept(node, CPT_SEMICOLON)) return ctx.fail(node, -8002, ";");
+    if (!ctx.expect(node, CPT_SEMICOLON)) return ctx.bail(node);
     return ctx.commit(node);
 }
 
@@ -215,7 +215,7 @@ CPParseTree* parseIfExists(CPParseContext& ctx, unsigned) {
     ctx.mark();
     if (!readIfExistsHead(ctx, node)) return ctx.bail(node);
     node->addChild(parseStatementSequence(ctx, CPPARSE_OPTIONAL));
-    if (!ctx.accept(node, CPT_RIGHT_BRACE)) return ctx.fail(node, -8002, "}");
+    if (!ctx.expect(node, CPT_RIGHT_BRACE)) return ctx.bail(node);
     return ctx.commit(node);
 }
 
@@ -312,7 +312,7 @@ CPParseTree* parseExpressionStatement(CPParseContext& ctx, unsigned) {
     if (!node) return ctx.rollback(expression);
     node->addChild(expression);
     if (ctx.accept(node, CPT_SEMICOLON)) return ctx.commit(node);
-    return ctx.fail(node, -8002, ";");
+    return ctx.failExpecting(node, CPT_SEMICOLON);
 }
 
 // compound-statement:
@@ -324,7 +324,7 @@ CPParseTree* parseBlockStatement(CPParseContext& ctx, unsigned) {
     ctx.mark();
     ctx.take(node);
     node->addChild(parseStatementSequence(ctx, CPPARSE_OPTIONAL));
-    if (!ctx.accept(node, CPT_RIGHT_BRACE)) return ctx.fail(node, -8002, "}");
+    if (!ctx.expect(node, CPT_RIGHT_BRACE)) return ctx.bail(node);
     return ctx.commit(node);
 }
 
@@ -380,7 +380,7 @@ CPParseTree* parseCondition(CPParseContext& ctx, unsigned flags) {
     assignment->addChild(type);
     assignment->addChild(declarator);
     node->addChild(assignment);
-    if (!ctx.expect(assignment, CPT_EQUALS, "=") || !ctx.require(assignment, parseAssignmentExpression(ctx, 0)))
+    if (!ctx.expect(assignment, CPT_EQUALS) || !ctx.require(assignment, parseAssignmentExpression(ctx, 0)))
         return ctx.bail(node);
     return ctx.commit(node);
 }

@@ -53,7 +53,7 @@ bool parseCopied(CPParseContext& ctx, const QBArray<CPToken*>& tokens, CPParseTr
         // logged on node
     }
     bool usedUp = sub.at(CPT_EOF);
-    if (!arguments && !usedUp) node->logErrorAtSource(sub.source, -8001, sub.currentText());
+    if (!arguments && !usedUp) node->logErrorAtSource(sub.source, qbmsg::SyntaxError, sub.currentText());
     while (!arguments && !sub.at(CPT_EOF)) sub.take(node);
     array->release();
     return usedUp;
@@ -117,15 +117,15 @@ CPParseTree* parseTemplateDeclaration(CPParseContext& ctx, unsigned flags) {
     bool exported = ctx.accept(node, CPT_kw_export);
     if (!exported) node->addChild(nullptr);
     if (!ctx.accept(node, CPT_kw_template)) {
-        if (exported) return ctx.fail(node, -8002, "template");
+        if (exported) return ctx.failExpecting(node, CPT_kw_template);
         return ctx.rollback(node);
     }
-    if (!ctx.accept(node, CPT_LT)) return ctx.fail(node, -8002, "<");
+    if (!ctx.expect(node, CPT_LT)) return ctx.bail(node);
     QBArray<CPToken*> tokens;
     bool closed = scanAngleList(ctx, tokens, false) == 1;
     parseCopied(ctx, tokens, node, false);
     if (!closed) return ctx.failHere(node);
-    if (!ctx.accept(node, CPT_GT)) return ctx.fail(node, -8002, ">");
+    if (!ctx.expect(node, CPT_GT)) return ctx.bail(node);
     CPParseTree* inner = (flags & CPPARSE_IN_CLASS) ? parseMember(ctx, CPPARSE_CONVERSION_OK)
                                                     : parseDeclaration(ctx, CPPARSE_CONVERSION_OK);
     if (!inner) return ctx.failHere(node);
@@ -160,11 +160,11 @@ CPParseTree* typeParameter(CPParseContext& ctx, CPParseTree* node) {
 // template < template-parameter-list > class identifier? ( = id-expression )?
 CPParseTree* templateTemplateParameter(CPParseContext& ctx, CPParseTree* node) {
     ctx.take(node);
-    if (!ctx.accept(node, CPT_LT)) return ctx.fail(node, -8002, "<");
+    if (!ctx.expect(node, CPT_LT)) return ctx.bail(node);
     QBArray<CPToken*> tokens;
     bool closed = scanAngleList(ctx, tokens, false) == 1;
     parseCopied(ctx, tokens, node, false);
-    if (!closed || !ctx.accept(node, CPT_GT)) return ctx.fail(node, -8002, ">");
+    if (!closed || !ctx.accept(node, CPT_GT)) return ctx.failExpecting(node, CPT_GT);
     if (!ctx.accept(node, CPT_kw_class)) return ctx.failHere(node);
     CPParseTree* name = parseIdentifier(ctx, CPPARSE_OPTIONAL);
     node->addChild(name);
@@ -254,7 +254,7 @@ CPParseTree* parseExplicitSpecialization(CPParseContext& ctx, unsigned flags) {
     ctx.mark();
     ctx.take(node);
     if (!ctx.accept(node, CPT_LT)) return ctx.rollback(node);
-    if (!ctx.accept(node, CPT_GT)) return ctx.fail(node, -8002, ">");
+    if (!ctx.expect(node, CPT_GT)) return ctx.bail(node);
     CPParseTree* inner = explicitInner(ctx, flags, CPPARSE_CONVERSION_OK | CPPARSE_DESTRUCTOR_OK);
     if (!inner) return ctx.failHere(node);
     node->addChild(inner);

@@ -30,7 +30,7 @@ CPParseTree* parseExceptionDeclaration(CPParseContext& ctx) {
     return ctx.commit(node);
 }
 
-// A required compound statement, or -8001; false after the message.
+// A required compound statement, or SyntaxError; false after the message.
 bool requireBlock(CPParseContext& ctx, CPParseTree* node) {
     return ctx.require(node, parseBlockStatement(ctx, 0));
 }
@@ -45,8 +45,8 @@ CPParseTree* parseHandler(CPParseContext& ctx, unsigned) {
     if (!node) return nullptr;
     ctx.mark();
     ctx.take(node);
-    bool ok = ctx.expect(node, CPT_LEFT_PAREN, "(") && ctx.require(node, parseExceptionDeclaration(ctx)) &&
-              ctx.expect(node, CPT_RIGHT_PAREN, ")") && requireBlock(ctx, node);
+    bool ok = ctx.expect(node, CPT_LEFT_PAREN) && ctx.require(node, parseExceptionDeclaration(ctx)) &&
+              ctx.expect(node, CPT_RIGHT_PAREN) && requireBlock(ctx, node);
     return ok ? ctx.commit(node) : ctx.bail(node);
 }
 
@@ -87,7 +87,7 @@ CPParseTree* parseTry(CPParseContext& ctx, unsigned) {
     node->addChild(nullptr);
     node->addChild(nullptr);
     if (handled) return ctx.commit(node);
-    node->logErrorAtNode(node, -8081);
+    node->logErrorAtNode(node, qbmsg::TryWithoutHandler);
     return ctx.failHere(node);
 }
 
@@ -102,11 +102,11 @@ CPParseTree* parseStructuredTry(CPParseContext& ctx, unsigned) {
     if (ctx.at(CPT_kw___finally)) {
         for (int i = 0; i < 5; ++i) node->addChild(nullptr);
     } else if (ctx.accept(node, CPT_kw___except)) {
-        bool ok = ctx.expect(node, CPT_LEFT_PAREN, "(") && ctx.require(node, parseExpression(ctx, 0)) &&
-                  ctx.expect(node, CPT_RIGHT_PAREN, ")") && requireBlock(ctx, node);
+        bool ok = ctx.expect(node, CPT_LEFT_PAREN) && ctx.require(node, parseExpression(ctx, 0)) &&
+                  ctx.expect(node, CPT_RIGHT_PAREN) && requireBlock(ctx, node);
         if (!ok) return ctx.bail(node);
     } else {
-        return ctx.fail(node, -8002, "except");
+        return ctx.failExpecting(node, CPT_kw___except);
     }
     if (ctx.accept(node, CPT_kw___finally) && !requireBlock(ctx, node)) return ctx.bail(node);
     return ctx.commit(node);

@@ -51,7 +51,7 @@ CPParseTree* readCV(CPParseContext& ctx, CPTypeSpecifier* node, bool& constSeen,
     for (CPParseNodeType t = ctx.type(); t == CPT_kw_const || t == CPT_kw_volatile || t == CPT_kw_restrict;
          t = ctx.type()) {
         bool* seen = t == CPT_kw_const ? &constSeen : t == CPT_kw_volatile ? &volatileSeen : nullptr;
-        if (seen && *seen) node->logWarningAtSource(ctx.source, -8042, ctx.currentText());
+        if (seen && *seen) node->logWarningAtSource(ctx.source, qbmsg::RepeatedQualifier, ctx.currentText());
         if (seen) *seen = true;
         CPCVQualifier* qualifier = make<CPCVQualifier>();
         if (!qualifier) break;
@@ -88,7 +88,7 @@ CPParseTree* otherSpecifier(CPParseContext& ctx, unsigned flags, bool simpleSeen
 
 // After a rejected keyword: the type (and storage) keywords behind it are kept as children.
 CPParseTree* rejectBuiltin(CPParseContext& ctx, CPTypeSpecifier* node) {
-    node->logErrorAtSource(ctx.source, -8001, ctx.currentText());
+    node->logErrorAtSource(ctx.source, qbmsg::SyntaxError, ctx.currentText());
     return ctx.bail(node);
 }
 
@@ -214,7 +214,7 @@ CPParseTree* parseTypeof(CPParseContext& ctx, unsigned) {
     if (!node) return nullptr;
     ctx.mark();
     ctx.take(node);
-    if (!ctx.accept(node, CPT_LEFT_PAREN)) return ctx.fail(node, -8002, "(");
+    if (!ctx.expect(node, CPT_LEFT_PAREN)) return ctx.bail(node);
     ctx.mark();
     CPParseTree* operand = parseUnary(ctx, 0);
     if (operand && !ctx.at(CPT_RIGHT_PAREN)) {
@@ -225,7 +225,7 @@ CPParseTree* parseTypeof(CPParseContext& ctx, unsigned) {
     if (!operand) operand = parseTypeId(ctx, 0);
     ctx.source.commit();
     if (!ctx.require(node, operand)) return ctx.bail(node);
-    if (!ctx.accept(node, CPT_RIGHT_PAREN)) return ctx.fail(node, -8002, ")");
+    if (!ctx.expect(node, CPT_RIGHT_PAREN)) return ctx.bail(node);
     return ctx.commit(node);
 }
 

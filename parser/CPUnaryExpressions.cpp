@@ -28,7 +28,7 @@ CPParseTree* parseDelete(CPParseContext& ctx, unsigned flags) {
     if (!ctx.accept(node, CPT_COLON_COLON)) node->addChild(nullptr);
     if (!ctx.accept(node, CPT_kw_delete)) return ctx.rollback(node);
     if (ctx.accept(node, CPT_LEFT_BRACKET)) {
-        if (!ctx.accept(node, CPT_RIGHT_BRACKET)) return ctx.fail(node, -8002, "]");
+        if (!ctx.expect(node, CPT_RIGHT_BRACKET)) return ctx.bail(node);
     } else {
         node->addChild(nullptr);
         node->addChild(nullptr);
@@ -52,7 +52,7 @@ CPParseTree* parseNewInitializer(CPParseContext& ctx) {
     ctx.mark();
     ctx.take(node);
     node->addChild(parseExpressionList(ctx, CPPARSE_OPTIONAL));
-    if (!ctx.accept(node, CPT_RIGHT_PAREN)) return ctx.fail(node, -8002, ")");
+    if (!ctx.expect(node, CPT_RIGHT_PAREN)) return ctx.bail(node);
     return ctx.commit(node);
 }
 
@@ -68,7 +68,7 @@ CPParseTree* parseDirectNewDeclarator(CPParseContext& ctx) {
         node = next;
         ctx.take(node);
         CPParseTree* size = node->getChildCount() > 1 ? parseConditionalExpression(ctx, 0) : parseExpression(ctx, 0);
-        if (!ctx.require(node, size) || !ctx.expect(node, CPT_RIGHT_BRACKET, "]")) break;
+        if (!ctx.require(node, size) || !ctx.expect(node, CPT_RIGHT_BRACKET)) break;
     }
     return node;
 }
@@ -116,7 +116,7 @@ CPParseTree* parseNewBody(CPParseContext& ctx, bool allowPlacement) {
     else node->addChild(nullptr);
     if (ctx.accept(node, CPT_LEFT_PAREN)) {
         if (!ctx.require(node, parseTypeId(ctx, 0))) return ctx.bail(node);
-        if (!ctx.accept(node, CPT_RIGHT_PAREN)) return ctx.fail(node, -8002, ")");
+        if (!ctx.expect(node, CPT_RIGHT_PAREN)) return ctx.bail(node);
     } else {
         node->addChild(nullptr);
         if (!ctx.require(node, parseNewTypeId(ctx))) return ctx.bail(node);
@@ -147,8 +147,8 @@ CPParseTree* parseSizeof(CPParseContext& ctx, unsigned flags) {
         node->addChild(nullptr);
         return ctx.commit(node);
     }
-    bool ok = ctx.expect(node, CPT_LEFT_PAREN, "(") && ctx.require(node, parseTypeId(ctx, 0)) &&
-              ctx.expect(node, CPT_RIGHT_PAREN, ")");
+    bool ok = ctx.expect(node, CPT_LEFT_PAREN) && ctx.require(node, parseTypeId(ctx, 0)) &&
+              ctx.expect(node, CPT_RIGHT_PAREN);
     return ok ? ctx.commit(node) : ctx.bail(node);
 }
 
@@ -158,22 +158,19 @@ CPParseTree* parseTypeTrait(CPParseContext& ctx, unsigned) {
     if (!node) return nullptr;
     ctx.mark();
     ctx.take(node);
-    bool ok = ctx.expect(node, CPT_LEFT_PAREN, "(") && ctx.require(node, parseTypeId(ctx, 0)) &&
-              ctx.expect(node, CPT_COMMA, ",") && ctx.require(node, parseTypeId(ctx, 0)) &&
-              ctx.expect(node, CPT_RIGHT_PAREN, ")");
+    bool ok = ctx.expect(node, CPT_LEFT_PAREN) && ctx.require(node, parseTypeId(ctx, 0)) &&
+              ctx.expect(node, CPT_COMMA) && ctx.require(node, parseTypeId(ctx, 0)) &&
+              ctx.expect(node, CPT_RIGHT_PAREN);
     return ok ? ctx.commit(node) : ctx.bail(node);
 }
 
-bool isBuiltinName(CPParseNodeType t) { return t >= CPT_kw___cplusplus && t <= CPT_kw___TIMESTAMP__; }
-
-// The name behind `defined`: identifier-like or a builtin; false when there is none.
+// The name behind `defined`: an identifier or any word of the token table; false when there is
+// none. A builtin keeps its kind.
 bool takeDefinedName(CPParseContext& ctx, CPParseTree* node) {
     CPToken* token = ctx.source.currentToken();
     CPParseNodeType t = ctx.type();
-    bool builtin = isBuiltinName(t);
-    if (!token || (!builtin && !cpIsLabelName(t) && !(t >= CPT_kw_and && t <= CPT_kw___typeof) &&
-                   !(t >= CPT_kw_define && t <= CPT_kw___asm)))
-        return false;
+    bool builtin = cpTokenHas(t, CPTK_BUILTIN);
+    if (!token || (t != CPT_IDENTIFIER && !cpTokenHas(t, CPTK_KEYWORD))) return false;
     if (!builtin) token->setType(CPT_IDENTIFIER);
     ctx.take(node);
     return true;
@@ -188,17 +185,18 @@ CPParseTree* parseDefined(CPParseContext& ctx, unsigned) {
     bool parenthesized = ctx.accept(node, CPT_LEFT_PAREN);
     if (!parenthesized) node->addChild(nullptr);
     if (!takeDefinedName(ctx, node)) {
-        node->logErrorAtSource(ctx.source, -8004);
+        node->logErrorAtSource(ctx.source, qbmsg::NameRequired);
         ctx.source.commitWithError(node);
         return node;
     }
     if (!parenthesized) node->addChild(nullptr);
     else if (ctx.accept(node, CPT_RIGHT_PAREN)) {}
     else if (ctx.at(CPT_NEWLINE) || ctx.at(CPT_EOF) || ctx.at(CPT_EOS)) {
-        node->logWarningAtSource(ctx.source, -8002, ")");
+        node->logWarningAtSource(ctx.source, qbmsg::ExpectedToken,
+                                 cpTokenSpelling(CPT_RIGHT_PAREN));
         node->addChild(nullptr);
     } else {
-        node->logErrorAtSource(ctx.source, -8002, ")");
+        node->logErrorAtSource(ctx.source, qbmsg::ExpectedToken, cpTokenSpelling(CPT_RIGHT_PAREN));
     }
     return ctx.commit(node);
 }

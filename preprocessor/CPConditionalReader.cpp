@@ -20,16 +20,16 @@ int readDefined(CPTokenSource& source, CPPreprocessorIfExpression* expr) {
     if (rc != 0) return rc;
     if (kind != CPT_LEFT_PAREN) {
         if (isName(kind)) return cpTakeToken(source, expr);
-        expr->logErrorAtSource(source, CPPP_ERR_MISSING_TOKEN, "(");
+        expr->logErrorAtSource(source, qbmsg::ExpectedToken, cpTokenSpelling(CPT_LEFT_PAREN));
         return 0;
     }
     rc = cpTakeToken(source, expr);
     if (rc == 0 && isName(source.currentType())) rc = cpTakeToken(source, expr);
-    else if (rc == 0) expr->logErrorAtSource(source, CPPP_ERR_NAME_REQUIRED);
+    else if (rc == 0) expr->logErrorAtSource(source, qbmsg::NameRequired);
     kind = source.currentType();
     if (rc != 0 || cpAtLineEnd(kind)) return rc;
     if (kind == CPT_RIGHT_PAREN) return cpTakeToken(source, expr);
-    expr->logErrorAtSource(source, CPPP_ERR_MISSING_TOKEN, ")");
+    expr->logErrorAtSource(source, qbmsg::ExpectedToken, cpTokenSpelling(CPT_RIGHT_PAREN));
     return 0;
 }
 
@@ -69,7 +69,7 @@ Node* parseConditionDirective(CPTokenSource& source, int depth, bool required) {
     if (rc == 0) rc = cpTakeToken(source, node);
     CPPreprocessorIfExpression* expr = rc == 0 ? parseIfExpression(source, depth) : nullptr;
     if (rc == 0 && expr) rc = cpAdoptChild(node, expr);
-    else if (rc == 0 && required) node->logErrorAtSource(source, CPPP_ERR_MALFORMED);
+    else if (rc == 0 && required) node->logErrorAtSource(source, qbmsg::SyntaxError);
     else if (rc == 0) rc = node->addChild(nullptr);
     if (rc == 0) rc = cpTakeRestOfLine(source, node);
     if (rc != 0) {
@@ -107,7 +107,7 @@ Node* parseClosingDirective(CPTokenSource& source, unsigned allowedTail) {
         return nullptr;
     }
     if (node->getChildCount() > 2 + allowedTail)
-        node->logWarningAtNode(node->getChild(2), CPPP_ERR_EXTRA_TOKENS, firstText);
+        node->logWarningAtNode(node->getChild(2), qbmsg::UnexpectedToken, firstText);
     return node;
 }
 
@@ -122,7 +122,7 @@ CPPreprocessorFilter* parseOpening(CPTokenSource& source, int depth) {
 // The NEWLINE behind a directive of the group.
 int takeNewline(CPTokenSource& source, CPPreprocessorFilter* group) {
     if (source.currentType() == CPT_NEWLINE) return cpTakeToken(source, group);
-    group->logErrorAtSource(source, CPPP_ERR_NO_NEWLINE);
+    group->logErrorAtSource(source, qbmsg::NewLineExpected);
     return 0;
 }
 
@@ -148,8 +148,8 @@ CPPreprocessorIfBody* parseIfBody(CPTokenSource& source, int depth) {
             rc = cpTakeToken(source, body);
             continue;
         }
-        body->logErrorAtSource(source, CPPP_ERR_NO_NEWLINE);
-        rc = cpSkipTo(source, body, CPT_NEWLINE, true) == CPPP_ERR_NOMEM ? CPPP_ERR_NOMEM : 0;
+        body->logErrorAtSource(source, qbmsg::NewLineExpected);
+        rc = cpSkipTo(source, body, CPT_NEWLINE, true) == qbmsg::OutOfMemory ? qbmsg::OutOfMemory : 0;
         break;
     }
     if (rc != 0) {
@@ -185,7 +185,7 @@ CPPreprocessorIfGroup* cpParseIfGroup(CPTokenSource& source, int depth) {
         rc = cpAdoptChild(group, parseClosingDirective<CPPreprocessorEndif>(source, 2));
     } else if (rc == 0) {
         rc = group->addChild(nullptr);
-        group->logErrorAtSource(source, CPPP_ERR_MISSING_TOKEN, "#endif");
+        group->logErrorAtSource(source, qbmsg::ExpectedToken, "#endif");
     }
     if (rc != 0) {
         delete group;

@@ -42,7 +42,7 @@ CPPreprocessorDefineString* parseDefineString(CPTokenSource& source, const CPFor
         delete node;
         return nullptr;
     }
-    if (!named || !isFormal(formals, name)) node->logErrorAtNode(node, CPPP_ERR_NOT_A_PARAMETER);
+    if (!named || !isFormal(formals, name)) node->logErrorAtNode(node, qbmsg::MissingParameterOrName);
     return node;
 }
 
@@ -68,7 +68,7 @@ int readOperandOrConcat(CPTokenSource& source, CPPreprocessorFilter* into, int d
                         const CPFormalSet* formals) {
     if (cpAtLineEnd(source.currentType())) return cpTakeToken(source, into);
     CPPreprocessorDefineConcat* node = new (std::nothrow) CPPreprocessorDefineConcat;
-    if (!node) return CPPP_ERR_NOMEM;
+    if (!node) return qbmsg::OutOfMemory;
     int rc = readConcatOperand(source, node, depth, formals);
     if (rc == 0 && source.currentType() != CPT_POUND_POUND) {
         rc = into->addChild(node->getChild(0));
@@ -100,7 +100,7 @@ int readArgumentPound(CPTokenSource& source, CPPreprocessorMacroArgument* arg,
         source.rollback();
         if (parameter) return cpAdoptChild(arg, parseDefineString(source, formals));
     }
-    arg->logErrorAtSource(source, CPPP_ERR_NAME_REQUIRED);
+    arg->logErrorAtSource(source, qbmsg::NameRequired);
     stop = true;
     return 0;
 }
@@ -118,7 +118,8 @@ CPPreprocessorMacroArgument* parseMacroArgument(CPTokenSource& source, int depth
     while (rc == 0 && !stop) {
         int kind = source.currentType();
         if (argumentEnds(kind, formals)) {
-            if (open > 0) arg->logErrorAtSource(source, CPPP_ERR_MISSING_TOKEN, ")");
+            if (open > 0)
+                arg->logErrorAtSource(source, qbmsg::ExpectedToken, cpTokenSpelling(CPT_RIGHT_PAREN));
             break;
         }
         if ((kind == CPT_RIGHT_PAREN || kind == CPT_COMMA) && open == 0) break;
@@ -182,13 +183,13 @@ CPPreprocessorMacro* cpParseMacroCall(CPTokenSource& source, int depth,
             source.commit();
             // A warning, not an error: an error would make every enclosing call let go of its
             // arguments and read them again.
-            if (depth + 1 > CPPP_MAX_NESTING) call->logWarningAtNode(name, CPPP_ERR_TOO_DEEP);
+            if (depth + 1 > CPPP_MAX_NESTING) call->logWarningAtNode(name, qbmsg::NestedTooDeeply);
         } else {
             // Not a call after all: the name stands alone and the rest is read again.
             if (call->getChildCount() > 1) call->removeChildren(1, call->getChildCount() - 1);
             call->clearErrors(true);
             source.rollback();
-            rc = rc == CPPP_ERR_NOMEM ? rc : 0;
+            rc = rc == qbmsg::OutOfMemory ? rc : 0;
         }
     }
     if (rc != 0) {
@@ -213,7 +214,7 @@ CPPreprocessorDefineBody* parseDefineBody(CPTokenSource& source, int depth,
         Token* token = source.currentToken();
         if (kind == CPT_GARBAGE_CHAR) {
             token->clearErrors(false);
-            body->logWarningAtSource(source, CPPP_WARN_GARBAGE);
+            body->logWarningAtSource(source, qbmsg::StrayCharacter);
             rc = cpTakeToken(source, body);
             continue;
         }
@@ -233,19 +234,19 @@ CPPreprocessorDefineBody* parseDefineBody(CPTokenSource& source, int depth,
 // A parameter is a symbol of the define's own scope, so that renaming it finds its uses.
 int addParameterSymbol(CPPreprocessorDefine* define, Token* token) {
     CPSymbolInfo* symbol = new (std::nothrow) CPSymbolInfo(token->getSpellingConst(), nullptr, define);
-    if (!symbol) return CPPP_ERR_NOMEM;
+    if (!symbol) return qbmsg::OutOfMemory;
     symbol->addRef();
     int rc = symbol->addReference(token);
     if (rc == 0) rc = define->addSymbol(symbol);
     symbol->release();
-    return rc < 0 ? CPPP_ERR_NOMEM : 0;
+    return rc < 0 ? qbmsg::OutOfMemory : 0;
 }
 
 int addFormal(CPTokenSource& source, CPPreprocessorDefine* define, CPFormalSet& formals) {
     Token* token = source.currentToken();
     token->setType(CPT_IDENTIFIER);
     QBString name = token->getSpellingConst();
-    if (formals.contains(name)) define->logErrorAtSource(source, CPPP_ERR_DUPLICATE_PARAMETER, name);
+    if (formals.contains(name)) define->logErrorAtSource(source, qbmsg::DuplicateParameter, name);
     if (int rc = formals.set(name, 1)) return rc;
     if (int rc = addParameterSymbol(define, token)) return rc;
     return cpTakeToken(source, define);
@@ -261,7 +262,7 @@ int noteParameterUses(CPPreprocessorDefine* define, TBPParseNode<CPParseNodeType
                      : nullptr;
     if (use) {
         auto* list = define->findSymbolList(use->getSpellingConst());
-        if (list && list->count() == 1) return (*list)[0]->addReference(use) < 0 ? CPPP_ERR_NOMEM : 0;
+        if (list && list->count() == 1) return (*list)[0]->addReference(use) < 0 ? qbmsg::OutOfMemory : 0;
         return 0;
     }
     for (unsigned i = 0; i < node->getChildCount(); ++i)
@@ -281,7 +282,7 @@ bool readParameters(CPTokenSource& source, CPPreprocessorDefine* define, CPForma
         rc = cpTakeToken(source, define);
         if (rc != 0 || source.currentType() == CPT_ELLIPSE) break;
         if (!cpIsIdentifierLike(source.currentType()))
-            define->logErrorAtSource(source, CPPP_ERR_NAME_REQUIRED);
+            define->logErrorAtSource(source, qbmsg::NameRequired);
     }
     if (rc == 0 && source.currentType() == CPT_ELLIPSE) {
         rc = cpTakeToken(source, define);
@@ -292,7 +293,7 @@ bool readParameters(CPTokenSource& source, CPPreprocessorDefine* define, CPForma
         rc = cpTakeToken(source, define);
         return rc == 0;
     }
-    define->logErrorAtSource(source, CPPP_ERR_MISSING_TOKEN, ")");
+    define->logErrorAtSource(source, qbmsg::ExpectedToken, cpTokenSpelling(CPT_RIGHT_PAREN));
     rc = cpTakeRestOfLine(source, define);
     return false;
 }
@@ -313,7 +314,7 @@ CPPreprocessorDefine* cpParseDefine(CPTokenSource& source, int depth) {
     if (rc == 0) rc = cpTakeToken(source, define);
     Token* name = source.currentToken();
     if (rc == 0 && (!name || !(cpIsIdentifierLike(name->getType()) || cpIsBuiltinKind(name->getType())))) {
-        define->logErrorAtSource(source, CPPP_ERR_NAME_REQUIRED);
+        define->logErrorAtSource(source, qbmsg::NameRequired);
         rc = cpTakeRestOfLine(source, define);
         if (rc == 0) return define;
     }
@@ -327,10 +328,10 @@ CPPreprocessorDefine* cpParseDefine(CPTokenSource& source, int depth) {
         complete = readParameters(source, define, formals, rc);
     if (rc == 0 && complete) {
         CPPreprocessorDefineBody* body = parseDefineBody(source, depth, &formals);
-        if (!body && !cpAtLineEnd(source.currentType())) rc = CPPP_ERR_NOMEM;
+        if (!body && !cpAtLineEnd(source.currentType())) rc = qbmsg::OutOfMemory;
         else if (define->addChild(body) != 0) {
             delete body;
-            rc = CPPP_ERR_NOMEM;
+            rc = qbmsg::OutOfMemory;
         } else if (body && formals.count() > 0) {
             rc = noteParameterUses(define, body);
         }

@@ -16,16 +16,16 @@ CPMacroTable::~CPMacroTable() {
 int CPMacroTable::add(CPPreprocessorDefine* define) {
     Token* name = define ? define->getNameToken() : nullptr;
     if (!name) return 0;
-    if (!table && !(table = Table::create(nullptr, MACRO_BUCKETS))) return CPPP_ERR_NOMEM;
-    if (defines.add(define) != 0) return CPPP_ERR_NOMEM;
+    if (!table && !(table = Table::create(nullptr, MACRO_BUCKETS))) return qbmsg::OutOfMemory;
+    if (defines.add(define) != 0) return qbmsg::OutOfMemory;
     define->addRef();
     CPSymbolInfo* symbol = new (std::nothrow) CPSymbolInfo(name->getSpellingConst(), define, nullptr);
-    if (!symbol) return CPPP_ERR_NOMEM;
+    if (!symbol) return qbmsg::OutOfMemory;
     symbol->addRef();
     int rc = addReference(symbol, name);
     if (rc == 0) rc = table->add(symbol);
     symbol->release();
-    return rc < 0 ? CPPP_ERR_NOMEM : 0;
+    return rc < 0 ? qbmsg::OutOfMemory : 0;
 }
 
 void CPMacroTable::removeName(const QBString& name) {

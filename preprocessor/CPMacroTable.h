@@ -35,7 +35,7 @@ public:
         return table ? table->getEntry(name) : nullptr;
     }
     // Makes the symbol of define (named by its name token, which joins its references) and
-    // appends it to the name's entries. 0 or -8.
+    // appends it to the name's entries. 0 or OutOfMemory.
     int add(CPPreprocessorDefine* define);
     // Forgets name and every entry of it.
     void removeName(const quernbase::QBString& name);

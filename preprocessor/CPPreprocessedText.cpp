@@ -62,18 +62,35 @@ void lineMarker(TextState& s, uint32_t line) {
     s.out.append('\n');
 }
 
-// One blank where the two neighbours would read as another token.
-// Two characters that begin one longer token (a punctuator, a digraph, a comment or a number),
-// so the text would read back as other tokens: `+ ++x` must not print as `+++x`, nor `a / *p`
-// as the start of a comment.
+// The first two characters of every longer punctuator and digraph in the token table, and of
+// the two comment openers: neighbours that would fuse into one of those.
+struct FusingPairs {
+    bool pair[128][128] = {};
+    FusingPairs() {
+        for (int kind = 0; kind <= CPT_LAST_TOKEN; ++kind)
+            if (!cpTokenHas(kind, CPTK_KEYWORD)) {
+                add(cpTokenSpelling(kind));
+                add(cpTokenDigraph(kind));
+            }
+        add("//");
+        add("/*");
+    }
+    void add(const char* spelling) {
+        if (spelling && spelling[0] && spelling[1])
+            pair[(unsigned char)spelling[0] & 127][(unsigned char)spelling[1] & 127] = true;
+    }
+    bool fuse(char last, char first) const {
+        unsigned a = (unsigned char)last, b = (unsigned char)first;
+        return a < 128 && b < 128 && pair[a][b];
+    }
+};
+
+// One blank where the two neighbours would read as another token: `+ ++x` must not print as
+// `+++x`, nor `a / *p` as the start of a comment, nor `1 .5` as a number.
 bool needsBlank(char last, char first) {
+    static const FusingPairs fusing;
     if (isSymbolChar(last) && isSymbolChar(first)) return true;
-    static const char* const fusing[] = {"++", "--", "->", "+=", "-=", "*=", "/=", "%=", "&=",
-                                         "|=", "^=", "==", "!=", "<=", ">=", "<<", ">>", "&&",
-                                         "||", "::", "##", "..", ".*", "//", "/*", "<:", "<%",
-                                         "%:", "%>", ":>"};
-    for (const char* pair : fusing)
-        if (pair[0] == last && pair[1] == first) return true;
+    if (fusing.fuse(last, first)) return true;
     bool digitLast = last >= '0' && last <= '9', digitFirst = first >= '0' && first <= '9';
     return (digitLast && first == '.') || (last == '.' && digitFirst);
 }
@@ -101,10 +118,10 @@ void placeToken(TextState& s, TBPToken<CPParseNodeType>* token, const QBString& 
 }  // namespace
 
 int CPPreprocessor::writePreprocessedText(QBString& out, bool addLineMarkers) {
-    if (out.makeNotNull() < 0) return CPPP_ERR_NOMEM;
+    if (out.makeNotNull() < 0) return qbmsg::OutOfMemory;
     TextState state{out, addLineMarkers, QBString(""), -1, 0};
     Token* token = currentToken();
-    if (!token) return isCancelled() ? CPPP_ERR_CANCELLED : 0;
+    if (!token) return isCancelled() ? qbmsg::Cancelled : 0;
     if (token->getType() != CPT_EOF) {
         // The first token opens the file: it gets the marker and sets the line.
         QBString file = token->getFileName();
@@ -119,9 +136,9 @@ int CPPreprocessor::writePreprocessedText(QBString& out, bool addLineMarkers) {
             state.indent -= INDENT_STEP;
         QBString text = spellingOf(token);
         placeToken(state, token, text);
-        if (out.append(text) < 0) return CPPP_ERR_NOMEM;
+        if (out.append(text) < 0) return qbmsg::OutOfMemory;
         if (kind == CPT_LEFT_BRACE || kind == CPT_LEFT_BRACKET || kind == CPT_LEFT_PAREN)
             state.indent += INDENT_STEP;
     }
-    return isCancelled() ? CPPP_ERR_CANCELLED : 0;
+    return isCancelled() ? qbmsg::Cancelled : 0;
 }

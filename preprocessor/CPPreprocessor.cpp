@@ -13,12 +13,12 @@
 #include "CPPreprocessedToken.h"
 #include "CPPreprocessorReader.h"
 #include "CPWhitespaceFilter.h"
+#include "QBMessageCodes.h"
 
 using quernbase::QBArray;
 using quernbase::QBString;
 
-enum { MSG_OUTPUT_BUILT = -7517, MSG_OUTPUT_COUNTED = -7520, PROGRESS_STEP = 100,
-       ERR_OPTION_KIND = -3015 };
+enum { PROGRESS_STEP = 100 };
 
 // Walks the output tree's leaves in order, telling for each the node that holds it and where.
 class CPOutputWalker : public quernbase::QBMemory {
@@ -68,9 +68,9 @@ unsigned countLeaves(TBPParseNode<CPParseNodeType>* node) {
 // Blanks, and a leading -I or /I, come off an include path.
 int cleanPath(const QBString& path, QBArray<QBString>& list) {
     QBString entry(path);
-    if (entry.strip(" \t") < 0) return CPPP_ERR_NOMEM;
+    if (entry.strip(" \t") < 0) return qbmsg::OutOfMemory;
     if (entry.beginsWith("-I") || entry.beginsWith("/I"))
-        if (entry.remove(0, 2) < 0) return CPPP_ERR_NOMEM;
+        if (entry.remove(0, 2) < 0) return qbmsg::OutOfMemory;
     return list.add(entry);
 }
 
@@ -138,23 +138,23 @@ int CPPreprocessor::setConfigFile(const char* path) {
 
 int CPPreprocessor::readSourceTree() {
     if (sourceTree) return 0;
-    if (!upstream) return CPPP_ERR_MISSING_CHILD;
+    if (!upstream) return qbmsg::NothingToWorkOn;
     CPWhitespaceFilter* filter = new (std::nothrow) CPWhitespaceFilter(upstream);
-    if (!filter) return CPPP_ERR_NOMEM;
+    if (!filter) return qbmsg::OutOfMemory;
     filter->addRef();
     CPPreprocessorUnit* unit = cpParseUnit(*filter, 0);
     filter->release();
-    if (!unit) return CPPP_ERR_NOMEM;
+    if (!unit) return qbmsg::OutOfMemory;
     BPRefCountObject::assign(sourceTree, unit);
     if (TBPToken<CPParseNodeType>* first = unit->getFirstToken())
         unit->source = first->getPosition()->source;
     if (configFile.isNotEmpty()) {
         CPPreprocessorConfigFile* config = new (std::nothrow) CPPreprocessorConfigFile;
-        if (!config) return CPPP_ERR_NOMEM;
+        if (!config) return qbmsg::OutOfMemory;
         config->path = configFile;
         if (unit->insertChild(0, config) != 0) {
             delete config;
-            return CPPP_ERR_NOMEM;
+            return qbmsg::OutOfMemory;
         }
     }
     return 0;
@@ -168,17 +168,17 @@ int CPPreprocessor::run() {
     if (outputTree) return 0;
     if (int rc = readSourceTree()) return rc;
     CPPreprocessorUnit* output = new (std::nothrow) CPPreprocessorUnit;
-    if (!output) return CPPP_ERR_NOMEM;
+    if (!output) return qbmsg::OutOfMemory;
     BPRefCountObject::assign(outputTree, output);
     outputTree->setOrigin(sourceTree);
     int rc = sourceTree->preprocess(this, outputTree, false, nullptr, 0);
-    if (rc == CPPP_ERR_CANCELLED || rc == CPPP_ERR_NOMEM) return rc;
-    if (reportMessageCode(MSG_OUTPUT_BUILT) < 0) return CPPP_ERR_CANCELLED;
+    if (rc == qbmsg::Cancelled || rc == qbmsg::OutOfMemory) return rc;
+    if (reportMessageCode(qbmsg::PreprocessorOutputBuilt) < 0) return qbmsg::Cancelled;
     delete walker;
     walker = new (std::nothrow) CPOutputWalker(outputTree);
-    if (!walker) return CPPP_ERR_NOMEM;
+    if (!walker) return qbmsg::OutOfMemory;
     tokenCount = countLeaves(outputTree);
-    if (reportMessageCode(MSG_OUTPUT_COUNTED) < 0) return CPPP_ERR_CANCELLED;
+    if (reportMessageCode(qbmsg::Parsing) < 0) return qbmsg::Cancelled;
     return 0;
 }
 
@@ -232,7 +232,7 @@ int CPPreprocessor::collectErrors(TBPErrorLog<CPParseNodeType>& log) {
         if (int rc = sourceTree->collectErrors(log); rc < 0) return rc;
     if (parseCache) {
         QBArray<TBPParseTree<CPParseNodeType>*> headers;
-        if (parseCache->getTrees(headers) < 0) return CPPP_ERR_NOMEM;
+        if (parseCache->getTrees(headers) < 0) return qbmsg::OutOfMemory;
         for (TBPParseTree<CPParseNodeType>* header : headers)
             if (header && header->hasError())
                 if (int rc = header->collectErrors(log); rc < 0) return rc;
@@ -258,7 +258,7 @@ int CPPreprocessor::addDefineOption(const QBString& option) {
     first = text.first_char();
     if (first == '-' || first == '/') {
         char kind = text.charAt(1);
-        if (kind != 'D' && kind != 'U') return ERR_OPTION_KIND;
+        if (kind != 'D' && kind != 'U') return qbmsg::InvalidArgument;
         text = text.sub(2);
         if (kind == 'U') return undefineNames(text);
     }
@@ -279,7 +279,7 @@ int CPPreprocessor::addDefineOption(const QBString& option) {
 
 int CPPreprocessor::undefineNames(const QBString& names) {
     QBArray<QBString> list;
-    if (names.split(',', list, false) < 0) return CPPP_ERR_NOMEM;
+    if (names.split(',', list, false) < 0) return qbmsg::OutOfMemory;
     for (QBString& name : list) {
         name.strip(" \t");
         macroTable.removeName(name);
@@ -302,11 +302,11 @@ int CPPreprocessor::addOneDefine(const QBString& piece) {
     QBString sourceName("-D");
     sourceName.append(piece);
     BPSourceHandle handle = BPSourceHandle::makeTextSource(text, 1, 0);
-    if (handle.isNull()) return CPPP_ERR_NOMEM;
+    if (handle.isNull()) return qbmsg::OutOfMemory;
     handle->fileName = sourceName;
     if (BPSourceCache* cache = getSourceCache()) cache->set(sourceName, handle);
     CPLexer* lexer = makeLexer(handle, 0);
-    if (!lexer) return CPPP_ERR_NOMEM;
+    if (!lexer) return qbmsg::OutOfMemory;
     lexer->addRef();
     CPWhitespaceFilter* filter = new (std::nothrow) CPWhitespaceFilter(lexer);
     CPPreprocessorDefine* define = nullptr;

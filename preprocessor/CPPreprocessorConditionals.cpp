@@ -59,7 +59,7 @@ CPPreprocessorIfBody* CPPreprocessorIfGroup::getElseBody() const {
 // Only the chosen branch produces output; an #elif behind it is never evaluated.
 int CPPreprocessorIfGroup::preprocess(CPPreprocessor* pp, CPPreprocessorFilter* target,
                                       bool flat, CPPreprocessorMacro* call, int depth) {
-    if (isCancelled(pp)) return CPPP_ERR_CANCELLED;
+    if (isCancelled(pp)) return qbmsg::Cancelled;
     CPPreprocessorFilter* chosen = nullptr;
     unsigned n = getChildCount();
     for (unsigned i = 0; i + 2 < n; i += 3) {
@@ -75,7 +75,7 @@ int CPPreprocessorIfGroup::preprocess(CPPreprocessor* pp, CPPreprocessorFilter* 
     }
     if (!chosen) return 0;
     CPPreprocessorFilter* into = wrapTarget(target, flat, chosen, 0);
-    if (!into) return CPPP_ERR_NOMEM;
+    if (!into) return qbmsg::OutOfMemory;
     return chosen->preprocess(pp, into, flat, call, depth + 1);
 }
 
@@ -101,7 +101,7 @@ bool evaluateCondition(CPPreprocessorFilter* node, CPPreprocessor* pp) {
     bool evaluated = false;
     int64_t value = cpEvaluateIfExpression(static_cast<CPPreprocessorIfExpression*>(child), pp,
                                            evaluated);
-    if (!evaluated) node->logErrorAtNode(child, CPPP_ERR_NO_EVALUATOR);
+    if (!evaluated) node->logErrorAtNode(child, qbmsg::InternalError);
     return evaluated && value != 0;
 }
 

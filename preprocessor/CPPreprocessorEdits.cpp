@@ -22,7 +22,7 @@ CPPreprocessorToken* freshCopy(Token* old) {
     for (unsigned i = 0; rc == 0 && i < spaces; ++i) {
         Token* ws = wrapper ? wrapper->getWhitespace(i) : old->getWhitespace(i);
         Token* wsCopy = static_cast<Token*>(ws->clone());
-        rc = wsCopy ? copy->insertWhitespace(wsCopy, -1) : CPPP_ERR_NOMEM;
+        rc = wsCopy ? copy->insertWhitespace(wsCopy, -1) : qbmsg::OutOfMemory;
         if (rc != 0) delete wsCopy;
     }
     if (rc != 0) {
@@ -92,7 +92,7 @@ int CPPreprocessorEdits::cloneForEdit(CPPreprocessorFilter* node, TokenList& tok
         if ((old && !m.fresh) || (m.fresh && old->getParent() && !m.wrapper) || made.add(m) != 0) {
             if (m.fresh) m.fresh->release();
             if (m.wrapper) m.wrapper->release();
-            rc = CPPP_ERR_NOMEM;
+            rc = qbmsg::OutOfMemory;
         }
     }
     for (unsigned i = 0; i < made.count(); ++i) {
@@ -120,10 +120,10 @@ void CPPreprocessorEdits::settle(TokenList& list) {
 }
 
 int CPPreprocessorEdits::insertNextTo(CPPreprocessorToken* token, TokenList& list, bool after) {
-    if (!token) return CPPP_ERR_MISSING_CHILD;
+    if (!token) return qbmsg::NothingToWorkOn;
     if (CPPreprocessedToken* wrapper = dynamic_cast<CPPreprocessedToken*>(token))
         token = CPPreprocessorToken::from(wrapper->getWrittenToken());
-    if (!token) return CPPP_ERR_MISSING_CHILD;
+    if (!token) return qbmsg::NothingToWorkOn;
     token->addRef();  // the edits may let go of the anchor's last holder
     CPPreprocessorFilter* parent = CPPreprocessorFilter::from(token->getParent());
     int rc = parent ? cloneForEdit(parent, list) : 0;
@@ -147,7 +147,7 @@ int CPPreprocessorEdits::insertAfterToken(CPPreprocessorToken* token, TokenList&
 
 int CPPreprocessorEdits::replaceToken(CPPreprocessorFilter* node, unsigned childIndex,
                                       TokenList& list) {
-    if (!node || childIndex >= node->getChildCount()) return CPPP_ERR_MISSING_CHILD;
+    if (!node || childIndex >= node->getChildCount()) return qbmsg::NothingToWorkOn;
     CPPreprocessorToken* token = CPPreprocessorToken::from(node->getChild(childIndex));
     if (!token) {
         int rc = node->replaceChild(childIndex, nullptr);

@@ -6,11 +6,12 @@
 using quernbase::QBString;
 
 bool cpIsIdentifierLike(int kind) {
-    return kind == CPT_IDENTIFIER || (kind >= CPT_kw_and && kind <= CPT_kw___typeof) ||
-           kind == CPT_kw_define || (kind >= CPT_kw_elif && kind <= CPT_kw___asm);
+    unsigned flags = cpTokenFlags(kind);
+    return kind == CPT_IDENTIFIER ||
+           ((flags & CPTK_KEYWORD) && !(flags & CPTK_BUILTIN) && kind != CPT_kw_defined);
 }
 
-bool cpIsBuiltinKind(int kind) { return kind >= CPT_kw___cplusplus && kind <= CPT_kw___TIMESTAMP__; }
+bool cpIsBuiltinKind(int kind) { return cpTokenHas(kind, CPTK_BUILTIN); }
 
 CPPreprocessorFilter::~CPPreprocessorFilter() {
     for (Node* child : children) {
@@ -146,7 +147,7 @@ int CPPreprocessorFilter::preprocess(CPPreprocessor* pp, CPPreprocessorFilter* t
                                      CPPreprocessorMacro* call, int) {
     if (getChildCount() == 0) return 0;
     CPPreprocessorFilter* into = wrapTarget(target, flat, this, getChildCount());
-    if (!into) return CPPP_ERR_NOMEM;
+    if (!into) return qbmsg::OutOfMemory;
     int rc = preprocessChildren(pp, into, flat, call, 0);
     if (hasError()) into->setErrorFlag(false);
     return rc;
@@ -163,7 +164,7 @@ int CPPreprocessorFilter::preprocessChildren(CPPreprocessor* pp, CPPreprocessorF
         else if (CPPreprocessorFilter* node = from(child))
             rc = node->preprocess(pp, target, flat, call, childDepth);
         else rc = 0;
-        if (rc == CPPP_ERR_CANCELLED) return rc;
+        if (rc == qbmsg::Cancelled) return rc;
         if (rc < 0) kept = rc;
     }
     return kept;

@@ -15,33 +15,11 @@
 
 #include "CPPreprocessorToken.h"
 #include "CPParseTree.h"
+#include "QBMessageCodes.h"
 
 class CPPreprocessor;
 class CPPreprocessorMacro;
 class CPPreprocessorUnit;
-
-enum CPPreprocessorStatus {
-    CPPP_ERR_NOMEM = -8,
-    CPPP_ERR_CANCELLED = -2038,
-    CPPP_ERR_MALFORMED = -8001,
-    CPPP_ERR_MISSING_TOKEN = -8002,
-    CPPP_ERR_EOF_IN_RECOVERY = -8003,
-    CPPP_ERR_NAME_REQUIRED = -8004,
-    CPPP_ERR_NO_NEWLINE = -8005,
-    CPPP_WARN_GARBAGE = -8006,
-    CPPP_ERR_EXTRA_TOKENS = -8010,
-    CPPP_ERR_LINE_ARGS = -8011,
-    CPPP_ERR_NOT_A_PARAMETER = -8012,
-    CPPP_ERR_NO_IF = -8013,
-    CPPP_ERR_STRINGIFY_NAME = -8014,
-    CPPP_ERR_DUPLICATE_PARAMETER = -8016,
-    CPPP_WARN_REDEFINED = -8017,
-    CPPP_WARN_EARLIER_DEFINITION = -8018,
-    CPPP_ERR_MISSING_CHILD = -8024,
-    CPPP_ERR_DIVIDE_BY_ZERO = -8034,
-    CPPP_ERR_NO_EVALUATOR = -8078,
-    CPPP_ERR_TOO_DEEP = -9010,
-};
 
 // Groups and calls nest by recursion, in reading and in running; past this depth a construct
 // is kept as plain tokens with an error, so that hostile input can't exhaust the stack.

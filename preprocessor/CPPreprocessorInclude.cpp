@@ -20,14 +20,12 @@
 #include "CPPreprocessorMacros.h"
 #include "CPPreprocessorReader.h"
 #include "CPWhitespaceFilter.h"
+#include "QBMessageCodes.h"
 
 using quernbase::QBArray;
 using quernbase::QBString;
 
 namespace {
-
-enum { ERR_FILE_NOT_FOUND = -2, ERR_INCLUDE_NOT_FOUND = -54, ERR_EMPTY_NAME = -8012,
-       ERR_NO_PARSE_CACHE = -8021, ERR_TOO_DEEP = -8072 };
 
 typedef TBPToken<CPParseNodeType> Token;
 typedef TBPParseNode<CPParseNodeType> Node;
@@ -177,7 +175,7 @@ int IncludeSearch::askHost() {
     if (!host) return 0;
     char buffer[CPPP_LOCATE_BUFFER] = {0};
     int answer = host->locateFile(name.get(), buffer, CPPP_LOCATE_BUFFER);
-    if (pp->isCancelled()) return CPPP_ERR_CANCELLED;
+    if (pp->isCancelled()) return qbmsg::Cancelled;
     buffer[CPPP_LOCATE_BUFFER - 1] = 0;
     if (answer == 0 && buffer[0]) path = buffer;
     return 0;
@@ -190,14 +188,14 @@ int IncludeSearch::askHost() {
 int loadTree(CPPreprocessor* pp, const QBString& path, BPSourceHandle& entry, int mode,
              CPPreprocessorFilter* origin, bool guard, CPPreprocessorUnit*& tree) {
     TBPParseCache<CPParseNodeType>* cache = pp->getParseCache();
-    if (!cache) return ERR_NO_PARSE_CACHE;
+    if (!cache) return qbmsg::BadArgument;
     TBPParseTree<CPParseNodeType>* cached = cache->find(path);
     tree = cached && cached->getType() == CPN_PreprocessorUnit && !cached->isModified()
                ? static_cast<CPPreprocessorUnit*>(cached)
                : nullptr;
     if (tree) return 0;
     CPLexer* lexer = pp->makeLexer(entry, mode);
-    if (!lexer) return CPPP_ERR_NOMEM;
+    if (!lexer) return qbmsg::OutOfMemory;
     lexer->addRef();
     CPWhitespaceFilter* filter = new (std::nothrow) CPWhitespaceFilter(lexer);
     if (filter) {
@@ -206,7 +204,7 @@ int loadTree(CPPreprocessor* pp, const QBString& path, BPSourceHandle& entry, in
         filter->release();
     }
     lexer->release();
-    if (!tree) return CPPP_ERR_NOMEM;
+    if (!tree) return qbmsg::OutOfMemory;
     tree->setOrigin(origin);
     tree->source = entry;
     QBString guardName;
@@ -215,7 +213,7 @@ int loadTree(CPPreprocessor* pp, const QBString& path, BPSourceHandle& entry, in
     if (cache->set(path, tree) != 0) {
         delete tree;
         tree = nullptr;
-        return CPPP_ERR_NOMEM;
+        return qbmsg::OutOfMemory;
     }
     return 0;
 }
@@ -224,11 +222,11 @@ int loadTree(CPPreprocessor* pp, const QBString& path, BPSourceHandle& entry, in
 int runTree(CPPreprocessor* pp, CPPreprocessorUnit* tree, CPPreprocessorFilter* target,
             bool flat, CPPreprocessorMacro* call, int depth) {
     CPPreprocessorUnit* unit = new (std::nothrow) CPPreprocessorUnit;
-    if (!unit) return CPPP_ERR_NOMEM;
+    if (!unit) return qbmsg::OutOfMemory;
     unit->setOrigin(tree);
     if (target->addChild(unit) != 0) {
         delete unit;
-        return CPPP_ERR_NOMEM;
+        return qbmsg::OutOfMemory;
     }
     return tree->preprocess(pp, unit, flat, call, depth + 1);
 }
@@ -300,25 +298,25 @@ int includeFoundFile(CPPreprocessorInclude* directive, CPPreprocessor* pp, const
                      int depth) {
     CPPreprocessorIncludeArg* arg = directive->getArgument();
     BPSourceCache* cache = pp->getSourceCache();
-    int status = cache ? 0 : CPPP_ERR_NOMEM;
+    int status = cache ? 0 : qbmsg::OutOfMemory;
     if (cache) cache->getSource(path, BPSourceText::INCLUDED_FILE, status);
     BPSourceHandle* entry = status < 0 ? nullptr : findEntry(pp, path);
     if (!entry || entry->isNull()) {
-        directive->logErrorAtNode(arg, status < 0 ? status : ERR_FILE_NOT_FOUND, path);
-        return status < 0 ? status : ERR_FILE_NOT_FOUND;
+        directive->logErrorAtNode(arg, status < 0 ? status : qbmsg::FileNotFound, path);
+        return status < 0 ? status : qbmsg::FileNotFound;
     }
-    if (entry->makePrivate() != 0) return CPPP_ERR_NOMEM;
+    if (entry->makePrivate() != 0) return qbmsg::OutOfMemory;
     (*entry)->isSystem = isSystem;
     if ((*entry)->includeOnce) return 0;
     CPPreprocessorUnit* tree = nullptr;
     int rc = loadTree(pp, path, *entry, isSystem ? 3 : 0, directive, true, tree);
-    if (rc == ERR_NO_PARSE_CACHE) directive->logErrorAtNode(directive, rc);
+    if (rc == qbmsg::BadArgument) directive->logErrorAtNode(directive, rc);
     if (rc < 0) return rc;
     if (CPPreprocessorHost* host = pp->getHost())
-        if (host->reportMessage(path.get(), 1) < 0 || pp->isCancelled()) return CPPP_ERR_CANCELLED;
+        if (host->reportMessage(path.get(), 1) < 0 || pp->isCancelled()) return qbmsg::Cancelled;
     if (depth >= CPPP_MAX_INCLUDE_DEPTH) {
-        directive->logErrorAtNode(arg, ERR_TOO_DEEP);
-        return ERR_TOO_DEEP;
+        directive->logErrorAtNode(arg, qbmsg::IncludesTooDeep);
+        return qbmsg::IncludesTooDeep;
     }
     // A system header runs flat whatever the includer asked: its macro calls leave no wrappers.
     return runTree(pp, tree, target, isSystem, call, depth);
@@ -373,13 +371,13 @@ bool cpHasIncludeGuard(CPPreprocessorUnit* root, QBString& guardName, Token*& gu
 
 int CPPreprocessorInclude::preprocess(CPPreprocessor* pp, CPPreprocessorFilter* target, bool,
                                       CPPreprocessorMacro* call, int depth) {
-    if (isCancelled(pp)) return CPPP_ERR_CANCELLED;
+    if (isCancelled(pp)) return qbmsg::Cancelled;
     if (!pp) return 0;
     CPPreprocessorIncludeArg* arg = getArgument();
     IncludeSearch search{pp, this, cpGetIncludeName(arg, pp), QBString("")};
     if (search.name.isEmpty()) {
-        logErrorAtNode(getChild(0), ERR_EMPTY_NAME);
-        return ERR_EMPTY_NAME;
+        logErrorAtNode(getChild(0), qbmsg::MissingParameterOrName);
+        return qbmsg::MissingParameterOrName;
     }
     search.name.replaceAll('\\', '/');
     bool angled = arg->getChild(0) && arg->getChild(0)->getType() == CPT_LT;
@@ -388,8 +386,8 @@ int CPPreprocessorInclude::preprocess(CPPreprocessor* pp, CPPreprocessorFilter* 
     if (search.path.isEmpty())
         if (int rc = search.askHost()) return rc;
     if (search.path.isEmpty()) {
-        logErrorAtNode(arg, ERR_INCLUDE_NOT_FOUND, search.name, search.name);
-        return ERR_INCLUDE_NOT_FOUND;
+        logErrorAtNode(arg, qbmsg::IncludeNotFound, search.name, search.name);
+        return qbmsg::IncludeNotFound;
     }
     return includeFoundFile(this, pp, search.path, search.isSystem, target, call, depth);
 }
@@ -398,23 +396,23 @@ int CPPreprocessorInclude::preprocess(CPPreprocessor* pp, CPPreprocessorFilter* 
 // never guard-checked.
 int CPPreprocessorConfigFile::preprocess(CPPreprocessor* pp, CPPreprocessorFilter* target, bool,
                                          CPPreprocessorMacro* call, int depth) {
-    if (isCancelled(pp)) return CPPP_ERR_CANCELLED;
+    if (isCancelled(pp)) return qbmsg::Cancelled;
     if (path.isEmpty() || !pp) return 0;
     BPSourceCache* cache = pp->getSourceCache();
-    int status = cache ? 0 : CPPP_ERR_NOMEM;
+    int status = cache ? 0 : qbmsg::OutOfMemory;
     if (cache) cache->getSource(path, BPSourceText::INCLUDED_FILE, status);
     BPSourceHandle* entry = status < 0 ? nullptr : findEntry(pp, path);
     if (!entry || entry->isNull()) {
         CPPreprocessorUnit* unit = new (std::nothrow) CPPreprocessorUnit;
-        if (!unit) return CPPP_ERR_NOMEM;
-        unit->logError(nullptr, ERR_FILE_NOT_FOUND, path);
+        if (!unit) return qbmsg::OutOfMemory;
+        unit->logError(nullptr, qbmsg::FileNotFound, path);
         unit->setOrigin(this);
         if (target->addChild(unit) != 0) delete unit;
-        return status < 0 ? status : ERR_FILE_NOT_FOUND;
+        return status < 0 ? status : qbmsg::FileNotFound;
     }
     CPPreprocessorUnit* tree = nullptr;
     int rc = loadTree(pp, path, *entry, 3, this, false, tree);
-    if (rc == ERR_NO_PARSE_CACHE) target->logErrorAtNode(this, CPPP_ERR_NOMEM);
+    if (rc == qbmsg::BadArgument) target->logErrorAtNode(this, qbmsg::OutOfMemory);
     if (rc < 0) return rc;
     return runTree(pp, tree, target, true, call, depth);
 }

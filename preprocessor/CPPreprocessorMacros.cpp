@@ -47,10 +47,10 @@ CPPreprocessorToken* makeToken(int kind, const QBString& text, Token* at) {
 }
 
 int addMadeToken(CPPreprocessorFilter* target, CPPreprocessorToken* token) {
-    if (!token) return CPPP_ERR_NOMEM;
+    if (!token) return qbmsg::OutOfMemory;
     if (target->addChild(token) != 0) {
         delete token;
-        return CPPP_ERR_NOMEM;
+        return qbmsg::OutOfMemory;
     }
     return 0;
 }
@@ -91,7 +91,7 @@ int appendArgumentText(Node* node, QBString& text) {
         Token* leaf = static_cast<Token*>(node);
         if (leaf->getType() == CPT_EOF) return 1;
         if (text.isNotEmpty() && leaf->getWhitespaceCount() > 0) text.append(' ');
-        return text.append(leaf->getSpellingConst()) < 0 ? CPPP_ERR_NOMEM : 0;
+        return text.append(leaf->getSpellingConst()) < 0 ? qbmsg::OutOfMemory : 0;
     }
     for (unsigned i = 0; i < node->getChildCount(); ++i)
         if (int rc = appendArgumentText(node->getChild(i), text)) return rc;
@@ -137,7 +137,7 @@ QBString CPPreprocessorDefine::getFormal(unsigned i) const {
 int CPPreprocessorDefine::formalIndex(const QBString& name) const {
     for (unsigned i = 0; i < formalCount(); ++i)
         if (getFormal(i) == name) return int(i);
-    return -3022;
+    return qbmsg::NotInList;
 }
 
 bool CPPreprocessorDefine::isLastFormal(const QBString& name) const {
@@ -157,7 +157,7 @@ CPPreprocessorDefineBody* CPPreprocessorDefine::getBody() const {
 // Enters the macro. An earlier different definition stays and stays first; both are warned of.
 int CPPreprocessorDefine::preprocess(CPPreprocessor* pp, CPPreprocessorFilter* target, bool,
                                      CPPreprocessorMacro*, int) {
-    if (isCancelled(pp)) return CPPP_ERR_CANCELLED;
+    if (isCancelled(pp)) return qbmsg::Cancelled;
     Token* nameToken = getNameToken();
     if (!pp || !nameToken || nameToken->getType() != CPT_IDENTIFIER || hasError()) return 0;
     QBString name = nameToken->getSpellingConst();
@@ -171,9 +171,9 @@ int CPPreprocessorDefine::preprocess(CPPreprocessor* pp, CPPreprocessorFilter* t
             }
             if (!other || other->undefined || other->equals(this) || name == "__hook") continue;
             CPPreprocessorFilter* note = wrapTarget(target, false, this, 0);
-            if (!note) return CPPP_ERR_NOMEM;
-            note->logWarningAtNode(nameToken, CPPP_WARN_REDEFINED, name);
-            note->logWarningAtNode(other->getNameToken(), CPPP_WARN_EARLIER_DEFINITION, name);
+            if (!note) return qbmsg::OutOfMemory;
+            note->logWarningAtNode(nameToken, qbmsg::MacroRedefined, name);
+            note->logWarningAtNode(other->getNameToken(), qbmsg::EarlierDeclaration, name);
             break;
         }
     }
@@ -182,7 +182,7 @@ int CPPreprocessorDefine::preprocess(CPPreprocessor* pp, CPPreprocessorFilter* t
 
 int CPPreprocessorUndef::preprocess(CPPreprocessor* pp, CPPreprocessorFilter*, bool,
                                     CPPreprocessorMacro*, int) {
-    if (isCancelled(pp)) return CPPP_ERR_CANCELLED;
+    if (isCancelled(pp)) return qbmsg::Cancelled;
     Token* name = getTokenChild(2);
     if (!pp || !name || name->getType() != CPT_IDENTIFIER) return 0;
     const CPMacroTable::EntryList* entries = pp->getMacroTable().find(name->getSpellingConst());
@@ -272,7 +272,7 @@ CPPreprocessorDefine* CPPreprocessorMacro::chaseAlias(CPPreprocessor* pp,
 
 int CPPreprocessorMacro::preprocess(CPPreprocessor* pp, CPPreprocessorFilter* target, bool flat,
                                     CPPreprocessorMacro* enclosingCall, int depth) {
-    if (isCancelled(pp)) return CPPP_ERR_CANCELLED;
+    if (isCancelled(pp)) return qbmsg::Cancelled;
     QBString name = getMacroName(pp, enclosingCall);
     Token* nameToken = getTokenChild(0);
     if (nameToken && name == "_VARIANT_BOOL" && nameToken->isFirstOnLine()) return 0;
@@ -283,7 +283,7 @@ int CPPreprocessorMacro::preprocess(CPPreprocessor* pp, CPPreprocessorFilter* ta
     }
     if (hasParentheses()) define = chaseAlias(pp, define, enclosingCall);
     if (define && !define->expanding && !pp->mayExpandDeeper()) {
-        logErrorAtNode(nameToken, CPPP_ERR_TOO_DEEP);
+        logErrorAtNode(nameToken, qbmsg::NestedTooDeeply);
         define = nullptr;
     }
     if (!define || define->expanding) return emitCall(pp, target, flat, enclosingCall, 0);
@@ -311,7 +311,7 @@ int CPPreprocessorMacro::emitIdentifierCall(CPPreprocessorFilter* target, bool f
     if (!only || !only->isToken() || !cpIsIdentifierLike(only->getType())) return 1;
     only->setType(CPT_IDENTIFIER);
     CPPreprocessorFilter* into = wrapTarget(target, flat, this, 1);
-    if (!into) return CPPP_ERR_NOMEM;
+    if (!into) return qbmsg::OutOfMemory;
     return into->addChild(only);
 }
 
@@ -326,7 +326,7 @@ CPPreprocessorMacro* CPPreprocessorMacro::makeArguments(CPPreprocessor* pp,
     if (actuals == 0) return this;
     CPPreprocessorMacro* args = new (std::nothrow) CPPreprocessorMacro;
     if (!args) {
-        status = CPPP_ERR_NOMEM;
+        status = qbmsg::OutOfMemory;
         return nullptr;
     }
     args->addRef();
@@ -342,12 +342,12 @@ CPPreprocessorMacro* CPPreprocessorMacro::makeArguments(CPPreprocessor* pp,
         CPPreprocessorMacroArgument* copy = new (std::nothrow) CPPreprocessorMacroArgument;
         if (!copy || args->addChild(copy) != 0) {
             delete copy;
-            status = CPPP_ERR_NOMEM;
+            status = qbmsg::OutOfMemory;
             break;
         }
         copy->setOrigin(actual);
         int rc = actual->preprocess(pp, copy, flat, enclosingCall, depth + 1);
-        if (rc == CPPP_ERR_CANCELLED || rc == CPPP_ERR_NOMEM) status = rc;
+        if (rc == qbmsg::Cancelled || rc == qbmsg::OutOfMemory) status = rc;
     }
     if (status >= 0) status = args->addChild(getChild(getChildCount() - 1));
     if (status < 0) {
@@ -368,7 +368,7 @@ int CPPreprocessorMacro::expand(CPPreprocessor* pp, CPPreprocessorDefine* define
     CPPreprocessorFilter* into = wrapTarget(target, flat, body, 0);
     bool saved = define->expanding;
     define->expanding = true;
-    int rc = into ? body->preprocess(pp, into, flat, args, depth + 1) : CPPP_ERR_NOMEM;
+    int rc = into ? body->preprocess(pp, into, flat, args, depth + 1) : qbmsg::OutOfMemory;
     define->expanding = saved;
     if (into && into != target) into->setOrigin(this);
     if (args != this) {
@@ -388,7 +388,7 @@ int CPPreprocessorMacro::emitCall(CPPreprocessor* pp, CPPreprocessorFilter* targ
         if (!child) continue;
         if (child->isToken()) {
             int kind = child->getType();
-            if (kind >= CPT_kw_define && kind <= CPT_kw_undef && kind != CPT_kw_defined)
+            if (cpTokenHas(kind, CPTK_DIRECTIVE))
                 child->setType(CPT_IDENTIFIER);
             if (int rc = target->addChild(child)) return rc;
             continue;
@@ -434,9 +434,9 @@ int CPPreprocessorDefineArgument::preprocess(CPPreprocessor* pp, CPPreprocessorF
                                              bool flat, CPPreprocessorMacro* call, int depth) {
     if (!call) return 0;
     Token* nameToken = getTokenChild(0);
-    if (!nameToken) return CPPP_ERR_MISSING_CHILD;
+    if (!nameToken) return qbmsg::NothingToWorkOn;
     CPPreprocessorFilter* into = wrapTarget(target, flat, this, 0);
-    if (!into) return CPPP_ERR_NOMEM;
+    if (!into) return qbmsg::OutOfMemory;
     CPPreprocessorDefine* define = cpFindDefine(call, call->getMacroName(pp, nullptr), pp);
     if (!define) return 0;
     QBString name = nameToken->getSpellingConst();
@@ -476,8 +476,8 @@ int CPPreprocessorDefineString::argumentsText(CPPreprocessor* pp, CPPreprocessor
     }
     int index = define->formalIndex(formal);
     if (index < 0) {
-        logErrorAtNode(this, CPPP_ERR_STRINGIFY_NAME, formal);
-        return CPPP_ERR_STRINGIFY_NAME;
+        logErrorAtNode(this, qbmsg::NotAMacroParameter, formal);
+        return qbmsg::NotAMacroParameter;
     }
     int rc = appendArgumentText(call->getActual(unsigned(index)), text);
     return rc < 0 ? rc : 0;
@@ -486,21 +486,21 @@ int CPPreprocessorDefineString::argumentsText(CPPreprocessor* pp, CPPreprocessor
 int CPPreprocessorDefineString::preprocess(CPPreprocessor* pp, CPPreprocessorFilter* target,
                                            bool flat, CPPreprocessorMacro* call, int) {
     CPPreprocessorFilter* into = wrapTarget(target, flat, this, 1);
-    if (!into) return CPPP_ERR_NOMEM;
+    if (!into) return qbmsg::OutOfMemory;
     if (hasError()) into->setErrorFlag(false);
     Token* pound = getTokenChild(0);
-    if (!pound) return CPPP_ERR_MISSING_CHILD;
+    if (!pound) return qbmsg::NothingToWorkOn;
     if (!call) {
-        logErrorAtNode(this, CPPP_ERR_EXTRA_TOKENS, pound->getSpellingConst());
-        return CPPP_ERR_EXTRA_TOKENS;
+        logErrorAtNode(this, qbmsg::UnexpectedToken, pound->getSpellingConst());
+        return qbmsg::UnexpectedToken;
     }
     QBString text("");
     if (int rc = argumentsText(pp, call, text)) return rc;
-    if (text.replaceAll("\"", "\\\"") < 0 || text.surround('"', '"') < 0) return CPPP_ERR_NOMEM;
+    if (text.replaceAll("\"", "\\\"") < 0 || text.surround('"', '"') < 0) return qbmsg::OutOfMemory;
     char prefix = pound->getSpellingConst().first_char();
     int kind = CPT_STRING;
     if (prefix == 'L' || prefix == 'S') {
-        if (text.prepend(prefix) < 0) return CPPP_ERR_NOMEM;
+        if (text.prepend(prefix) < 0) return qbmsg::OutOfMemory;
         if (prefix == 'L') kind = CPT_WIDE_STRING;
     }
     return addMadeToken(into, makeToken(kind, text, pound));
@@ -520,7 +520,7 @@ int CPPreprocessorDefineConcat::pastedText(CPPreprocessor* pp, CPPreprocessorMac
             leaves.add(static_cast<Token*>(operand));
         } else if (CPPreprocessorFilter* node = from(operand)) {
             run = scratchRun(this);
-            if (!run) return CPPP_ERR_NOMEM;
+            if (!run) return qbmsg::OutOfMemory;
             kept = firstNegative(kept, node->preprocess(pp, run, true, call, depth + 1));
             collectLeaves(run, leaves);
         }
@@ -570,21 +570,21 @@ int CPPreprocessorDefineConcat::preprocess(CPPreprocessor* pp, CPPreprocessorFil
                                            bool flat, CPPreprocessorMacro* call, int depth) {
     QBString text("");
     int kept = pastedText(pp, call, depth, text);
-    if (kept == CPPP_ERR_CANCELLED || kept == CPPP_ERR_NOMEM) return kept;
+    if (kept == qbmsg::Cancelled || kept == qbmsg::OutOfMemory) return kept;
     if (text.isEmpty() || !pp) return kept;
     CPPreprocessorPPTokens* run = lexPastedText(pp, text, depth);
-    if (!run) return CPPP_ERR_NOMEM;
+    if (!run) return qbmsg::OutOfMemory;
     run->addRef();
     run->setOrigin(this);
     if (hasError()) run->setErrorFlag(false);
     if (run->hasError()) {
         int rc = target->addChild(run);
         run->release();
-        return rc < 0 ? rc : CPPP_ERR_MALFORMED;
+        return rc < 0 ? rc : qbmsg::SyntaxError;
     }
     unsigned from = target->getChildCount();
     CPPreprocessorFilter* into = wrapTarget(target, flat, run, 0);
-    int rc = into ? run->preprocess(pp, into, true, nullptr, depth + 1) : CPPP_ERR_NOMEM;
+    int rc = into ? run->preprocess(pp, into, true, nullptr, depth + 1) : qbmsg::OutOfMemory;
     detachArguments(target, run, from);
     run->release();
     return rc < 0 ? rc : kept;
@@ -627,9 +627,9 @@ Token* overridingValue(CPPreprocessor* pp, Token* token) {
 
 int CPPreprocessorBuiltin::preprocess(CPPreprocessor* pp, CPPreprocessorFilter* target, bool flat,
                                       CPPreprocessorMacro*, int) {
-    if (isCancelled(pp)) return CPPP_ERR_CANCELLED;
+    if (isCancelled(pp)) return qbmsg::Cancelled;
     Token* token = getTokenChild(0);
-    if (!token) return CPPP_ERR_MISSING_CHILD;
+    if (!token) return qbmsg::NothingToWorkOn;
     int kind = CPT_STRING;
     QBString value("");
     QBString path = token->getFileName();
@@ -650,6 +650,6 @@ int CPPreprocessorBuiltin::preprocess(CPPreprocessor* pp, CPPreprocessorFilter* 
         }
     }
     CPPreprocessorFilter* into = wrapTarget(target, flat, this, 1);
-    if (!into) return CPPP_ERR_NOMEM;
+    if (!into) return qbmsg::OutOfMemory;
     return addMadeToken(into, makeToken(kind, value, token));
 }

@@ -21,7 +21,7 @@ int CPPreprocessorUnit::preprocess(CPPreprocessor* pp, CPPreprocessorFilter* tar
                                    CPPreprocessorMacro* call, int depth) {
     if (getChildCount() == 0) return 0;
     CPPreprocessorFilter* tokens = wrapTarget(target, false, this, 0);
-    if (!tokens) return CPPP_ERR_NOMEM;
+    if (!tokens) return qbmsg::OutOfMemory;
     if (hasError()) tokens->setErrorFlag(false);
     int kept = 0;
     for (Node* child : children) {
@@ -34,10 +34,10 @@ int CPPreprocessorUnit::preprocess(CPPreprocessor* pp, CPPreprocessorFilter* tar
             if (!origin) rc = tokens->addChild(child);
             break;
         } else if (kind != CPT_NEWLINE && kind != CPT_EOS && child->isToken()) {
-            tokens->logWarningAtNode(child, CPPP_ERR_EXTRA_TOKENS,
+            tokens->logWarningAtNode(child, qbmsg::UnexpectedToken,
                                      static_cast<Token*>(child)->getSpellingConst());
         }
-        if (rc == CPPP_ERR_CANCELLED) return rc;
+        if (rc == qbmsg::Cancelled) return rc;
         if (rc < 0) kept = rc;
     }
     return kept;
@@ -60,13 +60,13 @@ int CPPreprocessorIfBody::preprocess(CPPreprocessor* pp, CPPreprocessorFilter* t
                                      CPPreprocessorMacro* call, int depth) {
     if (getChildCount() == 0) return 0;
     CPPreprocessorFilter* into = wrapTarget(target, flat, this, 0);
-    if (!into) return CPPP_ERR_NOMEM;
+    if (!into) return qbmsg::OutOfMemory;
     int kept = 0;
     for (Node* child : children) {
         CPPreprocessorFilter* node = from(child);
         if (!node) continue;
         int rc = node->preprocess(pp, into, flat, call, depth + 1);
-        if (rc == CPPP_ERR_CANCELLED) return rc;
+        if (rc == qbmsg::Cancelled) return rc;
         if (rc < 0) kept = rc;
     }
     return kept;
@@ -83,7 +83,7 @@ int CPPreprocessorPPTokens::preprocess(CPPreprocessor* pp, CPPreprocessorFilter*
     CPPreprocessorFilter* into = target;
     if (!flat && target->getType() != CPN_PreprocessorPPTokens)
         into = wrapTarget(target, false, this, getChildCount());
-    if (!into) return CPPP_ERR_NOMEM;
+    if (!into) return qbmsg::OutOfMemory;
     int kept = 0;
     unsigned n = getChildCount();
     for (unsigned i = 0; i < n; ++i) {
@@ -104,7 +104,7 @@ int CPPreprocessorPPTokens::preprocess(CPPreprocessor* pp, CPPreprocessorFilter*
         } else if (CPPreprocessorFilter* node = from(child)) {
             rc = node->preprocess(pp, into, flat, call, 0);
         }
-        if (rc == CPPP_ERR_CANCELLED) return rc;
+        if (rc == qbmsg::Cancelled) return rc;
         if (rc < 0) kept = rc;
     }
     return kept;
@@ -120,7 +120,7 @@ bool CPPreprocessorPragma::isPragmaOnce() const {
 
 int CPPreprocessorPragma::preprocess(CPPreprocessor* pp, CPPreprocessorFilter*, bool,
                                      CPPreprocessorMacro*, int) {
-    if (isCancelled(pp)) return CPPP_ERR_CANCELLED;
+    if (isCancelled(pp)) return qbmsg::Cancelled;
     if (!pp || !isPragmaOnce()) return 0;
     Token* pound = getTokenChild(0);
     BPSourceCache* cache = pp->getSourceCache();

@@ -24,10 +24,10 @@ int cpReadNamedDirective(CPTokenSource& source, CPPreprocessorFilter* node, bool
         if (!(keepBuiltin && cpIsBuiltinKind(kind))) source.currentToken()->setType(CPT_IDENTIFIER);
         rc = cpTakeToken(source, node);
         if (rc == 0 && !cpAtLineEnd(source.currentType()))
-            node->logErrorAtSource(source, CPPP_ERR_EXTRA_TOKENS,
+            node->logErrorAtSource(source, qbmsg::UnexpectedToken,
                                    source.currentToken()->getSpellingConst());
     } else if (rc == 0) {
-        node->logErrorAtSource(source, CPPP_ERR_NAME_REQUIRED);
+        node->logErrorAtSource(source, qbmsg::NameRequired);
     }
     return rc == 0 ? cpTakeRestOfLine(source, node) : rc;
 }
@@ -35,7 +35,7 @@ int cpReadNamedDirective(CPTokenSource& source, CPPreprocessorFilter* node, bool
 int cpSkipTo(CPTokenSource& source, CPPreprocessorFilter* node, int kind, bool consume) {
     for (int k = source.currentType(); k != kind; k = source.currentType()) {
         if (k == CPT_EOF) {
-            node->logErrorAtSource(source, CPPP_ERR_EOF_IN_RECOVERY);
+            node->logErrorAtSource(source, qbmsg::UnexpectedEndOfFile);
             return -1;
         }
         if (int rc = cpTakeToken(source, node)) return rc;
@@ -44,10 +44,10 @@ int cpSkipTo(CPTokenSource& source, CPPreprocessorFilter* node, int kind, bool c
 }
 
 int cpAdoptChild(CPPreprocessorFilter* node, CPPreprocessorFilter* child) {
-    if (!child) return CPPP_ERR_NOMEM;
+    if (!child) return qbmsg::OutOfMemory;
     if (node->addChild(child) != 0) {
         delete child;
-        return CPPP_ERR_NOMEM;
+        return qbmsg::OutOfMemory;
     }
     return 0;
 }
@@ -76,16 +76,16 @@ int readItem(CPTokenSource& source, CPPreprocessorFilter* node, int depth) {
     if (source.currentType() != CPT_POUND) return cpAdoptChild(node, cpParseText(source, depth));
     int word = source.peekType(1);
     if (isBranchWord(word) && node->getType() == CPN_PreprocessorUnit)
-        node->logErrorAtSource(source, CPPP_ERR_NO_IF, "#if", branchText(word));
+        node->logErrorAtSource(source, qbmsg::UnmatchedDirective, "#if", branchText(word));
     return cpAdoptChild(node, cpParseDirective(source, depth));
 }
 
 // A line that doesn't end where it should: keep the rest of it and go on.
 int recoverLine(CPTokenSource& source, CPPreprocessorFilter* node) {
-    node->logErrorAtSource(source, CPPP_ERR_NO_NEWLINE);
+    node->logErrorAtSource(source, qbmsg::NewLineExpected);
     int rc = cpSkipTo(source, node, CPT_NEWLINE, true);
     node->setErrorFlag(false);
-    return rc == CPPP_ERR_NOMEM ? rc : 0;
+    return rc == qbmsg::OutOfMemory ? rc : 0;
 }
 
 }  // namespace
@@ -119,7 +119,7 @@ CPPreprocessorPPTokens* cpParseText(CPTokenSource& source, int depth) {
     for (int kind = source.currentType(); rc == 0 && !cpAtLineEnd(kind);
          kind = source.currentType()) {
         TBPToken<CPParseNodeType>* token = source.currentToken();
-        if (kind >= CPT_kw_define && kind <= CPT_kw_undef && kind != CPT_kw_defined)
+        if (cpTokenHas(kind, CPTK_DIRECTIVE))
             token->setType(CPT_IDENTIFIER);
         if (cpIsBuiltinKind(kind)) rc = cpAdoptChild(run, cpParseBuiltin(source));
         else if (cpIsIdentifierLike(token->getType()))
@@ -192,13 +192,13 @@ CPPreprocessorFilter* readIncludeLike(CPTokenSource& source, int depth, bool tai
     if (rc == 0) rc = cpTakeToken(source, node);
     CPPreprocessorIncludeArg* arg = rc == 0 ? cpParseIncludeArg(source, depth) : nullptr;
     if (rc == 0 && !arg) {
-        node->logErrorAtSource(source, CPPP_ERR_NAME_REQUIRED);
+        node->logErrorAtSource(source, qbmsg::NameRequired);
     } else if (rc == 0) {
         rc = cpAdoptChild(node, arg);
     }
     if (rc == 0 && !tailAllowed && !cpAtLineEnd(source.currentType())) {
         TBPToken<CPParseNodeType>* extra = source.currentToken();
-        node->logErrorAtSource(source, CPPP_ERR_MALFORMED, extra->getSpellingConst());
+        node->logErrorAtSource(source, qbmsg::SyntaxError, extra->getSpellingConst());
     }
     if (rc == 0) rc = cpTakeRestOfLine(source, node);
     if (rc != 0) {
@@ -224,7 +224,7 @@ CPPreprocessorUnknown* readUnknown(CPTokenSource& source) {
 // A group opened too deep is kept as a line of tokens; its closing lines then stand alone.
 CPPreprocessorUnknown* readTooDeep(CPTokenSource& source) {
     CPPreprocessorUnknown* node = readUnknown(source);
-    if (node) node->logErrorAtNode(node, CPPP_ERR_TOO_DEEP);
+    if (node) node->logErrorAtNode(node, qbmsg::NestedTooDeeply);
     return node;
 }
 
@@ -250,9 +250,9 @@ CPPreprocessorFilter* cpParseDirective(CPTokenSource& source, int depth) {
     case CPT_kw_import: return readIncludeLike<CPPreprocessorImport>(source, depth, true);
     case CPT_kw_using: return readIncludeLike<CPPreprocessorUsing>(source, depth, true);
     case CPT_kw_line:
-        return readDirectiveWithArguments<CPPreprocessorLine>(source, CPPP_ERR_LINE_ARGS);
+        return readDirectiveWithArguments<CPPreprocessorLine>(source, qbmsg::LineWithoutArguments);
     case CPT_kw_pragma:
-        return readDirectiveWithArguments<CPPreprocessorPragma>(source, CPPP_ERR_MALFORMED);
+        return readDirectiveWithArguments<CPPreprocessorPragma>(source, qbmsg::SyntaxError);
     case CPT_kw_error: return readErrorDirective(source);
     default: return readUnknown(source);
     }
@@ -273,12 +273,13 @@ CPPreprocessorIncludeArg* cpParseIncludeArg(CPTokenSource& source, int depth) {
         while (rc == 0 && !cpAtLineEnd(source.currentType()) && source.currentType() != CPT_GT)
             rc = cpTakeToken(source, arg);
         if (rc == 0 && source.currentType() == CPT_GT) rc = cpTakeToken(source, arg);
-        else if (rc == 0) arg->logErrorAtSource(source, CPPP_ERR_MISSING_TOKEN, ">");
+        else if (rc == 0)
+            arg->logErrorAtSource(source, qbmsg::ExpectedToken, cpTokenSpelling(CPT_GT));
     } else {
         while (rc == 0 && !cpAtLineEnd(source.currentType())) {
             TBPToken<CPParseNodeType>* token = source.currentToken();
             int k = token->getType();
-            if (k >= CPT_kw_define && k <= CPT_kw_undef && k != CPT_kw_defined)
+            if (cpTokenHas(k, CPTK_DIRECTIVE))
                 token->setType(CPT_IDENTIFIER);
             if (cpIsIdentifierLike(token->getType()))
                 rc = cpAdoptChild(arg, cpParseMacroCall(source, depth, nullptr));

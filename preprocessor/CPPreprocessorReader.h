@@ -41,13 +41,14 @@ inline bool cpAtEnd(int kind) { return kind == CPT_EOF || kind == CPT_EOS; }
 int cpTakeToken(CPTokenSource& source, CPPreprocessorFilter* node);
 // Adds tokens up to the line end (not consumed) to node.
 int cpTakeRestOfLine(CPTokenSource& source, CPPreprocessorFilter* node);
-// Adds tokens up to kind, and with consume that token too. -1 (and -8003 logged) at EOF first.
+// Adds tokens up to kind, and with consume that token too. -1 (and UnexpectedEndOfFile logged)
+// at EOF first.
 int cpSkipTo(CPTokenSource& source, CPPreprocessorFilter* node, int kind, bool consume);
-// Adds child to node; frees child and gives -8 if that fails (or if child is null).
+// Adds child to node; frees child and gives OutOfMemory if that fails (or if child is null).
 int cpAdoptChild(CPPreprocessorFilter* node, CPPreprocessorFilter* child);
 // Fills node with `# word NAME` and the rest of the line: NAME must be a name or a builtin (a
-// builtin keeps its kind with keepBuiltin), and anything behind it is an error. -8 when memory
-// runs out.
+// builtin keeps its kind with keepBuiltin), and anything behind it is an error. OutOfMemory when
+// memory runs out.
 int cpReadNamedDirective(CPTokenSource& source, CPPreprocessorFilter* node, bool keepBuiltin);
 // A builtin node holding the current token, which it consumes.
 CPPreprocessorBuiltin* cpParseBuiltin(CPTokenSource& source);

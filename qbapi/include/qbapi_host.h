@@ -7,23 +7,13 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "QBMessageCodes.h"
 #include "qbapi.h"
 
-extern "C" {
+// Statuses of host operations are the names of the message table from NoMacroFunction to
+// FileUnreadable, apart from the engine's numbers so a message file can carry both.
 
-// Statuses of host operations. They sit apart from the engine's numbers so a message file can
-// carry both.
-enum QBHostStatus {
-    QBHOST_ERR_NO_FUNCTION = -9001,    // no macro function or command by that name
-    QBHOST_ERR_NOT_EXPORTED = -9002,   // registered, but the module exports no such function
-    QBHOST_ERR_BAD_ARGUMENTS = -9003,  // wrong count or kind of arguments for the signature
-    QBHOST_ERR_BAD_SIGNATURE = -9004,  // a signature text that doesn't parse
-    QBHOST_ERR_LOAD = -9005,           // the module could not be loaded
-    QBHOST_ERR_NO_ENTRY = -9006,       // the module has no qbDllRegisterExports
-    QBHOST_ERR_NO_VARIABLE = -9007,    // no variable with that handle
-    QBHOST_ERR_NO_WINDOW = -9008,      // no window with that id
-    QBHOST_ERR_READ = -9009,           // a file exists but could not be read
-};
+extern "C" {
 
 // ---- Modules ----------------------------------------------------------------------------------
 // Loads a module and runs its qbDllRegisterExports. The result is a module id (1 or more) or a

@@ -7,20 +7,12 @@
 #pragma once
 
 #include "QBArray.h"
+#include "QBMessageCodes.h"
 #include "QBString.h"
 
-enum QBXMLStatus {
-    QBXML_ERR_FILE_NOT_FOUND = -2,
-    QBXML_ERR_NOMEM = -8,
-    QBXML_ERR_WRITE = -36,             // the file could not be written whole
-    QBXML_ERR_INVALID_ARGUMENT = -3015,
-    QBXML_ERR_NOT_FOUND = -3022,       // no such element or attribute
-    QBXML_ERR_READ = -3041,            // the file exists but could not be read
-    QBXML_ERR_SYNTAX = -3042,          // the file is not well-formed XML
-    QBXML_ERR_INVALID_HANDLE = -3043,
-    QBXML_ERR_INVALID_INDEX = -3044,   // no node with that index, or it was deleted
-    QBXML_ERR_SECOND_ROOT = -3045,     // a document holds one root element
-};
+// Statuses are the names of the message table: FileNotFound, OutOfMemory, ShortWrite (written
+// only in part), InvalidArgument, NotInList (no such element or attribute), and XmlUnreadable to
+// SecondXmlRoot; a node index that was deleted is NoXmlNode.
 
 // Kinds of node for qbXMLCFGAddNode.
 enum QBXMLNodeKind {

@@ -10,7 +10,19 @@
 namespace qbmessagefile {
 
 enum { MAGIC = 4386, HEADER_BYTES = 8, ENTRY_BYTES = 8 };
-enum Status { VALID = 0, EMPTY = -1, INVALID = -2 };
+enum Status { VALID = 0, EMPTY = -1, INVALID = -2, UNREADABLE = -3 };
+
+// What a reader gives for every number when the file can't be used, with the path as %s. These
+// can't stand in the file itself, so both readers take them from here.
+inline const char* failureText(Status status) {
+    switch (status) {
+    case VALID: return nullptr;
+    case EMPTY: return "Message file '%s' empty";
+    case INVALID: return "Message file '%s' not valid";
+    case UNREADABLE: break;
+    }
+    return "Unable to open message file '%s' not found";
+}
 
 inline int32_t readWord(const char* at) {
     uint8_t b[4];

@@ -46,10 +46,10 @@ int convertInt(const QBArgRecord& r, intptr_t& out) {
     case QBARG_INT32: out = int32_t(r.value); return 0;
     case QBARG_INT64: out = intptr_t(int32_t(r.value)); return 0;
     case QBARG_VAR:
-        if (!variableExists(int(r.value))) return QBHOST_ERR_NO_VARIABLE;
+        if (!variableExists(int(r.value))) return qbmsg::NoVariable;
         out = qbVarGetInt(int(r.value));
         return 0;
-    default: return QBHOST_ERR_BAD_ARGUMENTS;
+    default: return qbmsg::WrongArguments;
     }
 }
 
@@ -59,21 +59,21 @@ int convertString(const QBArgRecord& r, std::string& keep, bool& fromVariable, i
     case QBARG_STRING: out = intptr_t(r.value); return 0;
     case QBARG_INT32:
     case QBARG_INT64:
-        if (r.value != 0) return QBHOST_ERR_BAD_ARGUMENTS;
+        if (r.value != 0) return qbmsg::WrongArguments;
         out = 0;  // macro code passes 0 for a null string
         return 0;
     case QBARG_VAR:
-        if (!variableExists(int(r.value))) return QBHOST_ERR_NO_VARIABLE;
+        if (!variableExists(int(r.value))) return qbmsg::NoVariable;
         keep = qbVarGetString(int(r.value));  // a copy: the callee may change the variable
         fromVariable = true;  // out is set to keep by the caller, once keep stays put
         return 0;
-    default: return QBHOST_ERR_BAD_ARGUMENTS;
+    default: return qbmsg::WrongArguments;
     }
 }
 
 int convertVar(const QBArgRecord& r, intptr_t& out) {
-    if (r.tag != QBARG_VAR) return QBHOST_ERR_BAD_ARGUMENTS;
-    if (!variableExists(int(r.value))) return QBHOST_ERR_NO_VARIABLE;
+    if (r.tag != QBARG_VAR) return qbmsg::WrongArguments;
+    if (!variableExists(int(r.value))) return qbmsg::NoVariable;
     out = intptr_t(r.value);
     return 0;
 }
@@ -93,13 +93,13 @@ int callExport(void* function, const Signature& sig, int argCount, const QBArgRe
                int* result) {
     int paramCount = int(sig.params.size());
     if (argCount < 0 || argCount > paramCount || paramCount > MAX_PARAMS || (argCount && !args))
-        return QBHOST_ERR_BAD_ARGUMENTS;
+        return qbmsg::WrongArguments;
     intptr_t words[MAX_PARAMS] = {};
     std::string kept[MAX_PARAMS];
     for (int i = 0; i < paramCount; ++i) {
         const Param& p = sig.params[size_t(i)];
         if (i >= argCount) {
-            if (!p.hasDefault) return QBHOST_ERR_BAD_ARGUMENTS;
+            if (!p.hasDefault) return qbmsg::WrongArguments;
             words[i] = intptr_t(defaultValue(p.defaultText));
             continue;
         }

@@ -1,7 +1,9 @@
 // The host's own reading of its message file, for statuses it shows to the user.
 #include <cstdio>
+#include <cstring>
 #include <map>
 #include <string>
+#include <vector>
 
 #include "qbapi_host.h"
 #include "qbmessagefile.h"
@@ -25,15 +27,16 @@ void load(MessageTexts& t) {
     quernbase::QBString root = qbpsGetEnv("QBROOT");
     t.path = std::string(root.isEmpty() ? "" : root.get()) + "qbedit.qbb";
     quernbase::QBString data;
-    if (qbReadFileToString(quernbase::QBString(t.path.c_str()), data, 0, 0, 2) < 0) {
-        t.failure = "Unable to open message file '" + t.path + "' not found";
-        return;
+    auto status = qbmessagefile::UNREADABLE;
+    if (qbReadFileToString(quernbase::QBString(t.path.c_str()), data, 0, 0, 2) >= 0)
+        status = qbmessagefile::forEachEntry(
+            data.get(), data.length(),
+            [&](int code, const char* text) { t.byCode[code] = text; });
+    if (const char* failure = qbmessagefile::failureText(status)) {
+        std::vector<char> line(std::strlen(failure) + t.path.size() + 1);
+        std::snprintf(line.data(), line.size(), failure, t.path.c_str());
+        t.failure = line.data();
     }
-    auto status = qbmessagefile::forEachEntry(
-        data.get(), data.length(),
-        [&](int code, const char* text) { t.byCode[code] = text; });
-    if (status == qbmessagefile::EMPTY) t.failure = "Message file '" + t.path + "' empty";
-    else if (status != qbmessagefile::VALID) t.failure = "Message file '" + t.path + "' not valid";
 }
 
 }  // namespace

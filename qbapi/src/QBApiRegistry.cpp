@@ -69,7 +69,7 @@ void fillPublicParams(ExportEntry& e) {
 // Copies what the call needs first: the callee may register more names and move the vector.
 int invokeHandle(int handle, int argCount, const QBArgRecord* args, int* result) {
     Callable* c = callableAt(handle);
-    if (!c || (!c->exported && !c->function)) return QBHOST_ERR_NO_FUNCTION;
+    if (!c || (!c->exported && !c->function)) return qbmsg::NoMacroFunction;
     ++c->calls;
     int r = 0;
     if (c->function) {
@@ -79,7 +79,7 @@ int invokeHandle(int handle, int argCount, const QBArgRecord* args, int* result)
     } else {
         const ExportEntry* e = c->exported;
         void* fn = dlsym(e->module, e->sig.name.c_str());
-        if (!fn) return QBHOST_ERR_NOT_EXPORTED;
+        if (!fn) return qbmsg::NotExported;
         if (int rc = callExport(fn, e->sig, argCount, args, &r)) return rc;
     }
     setResultVariable(r);
@@ -127,12 +127,12 @@ int qbCallMacroFunction(int, int handle, int argCount, const QBArgRecord* args) 
 
 int qbHostInvoke(const char* name, int argCount, const QBArgRecord* args, int* result) {
     int handle = qbFindMacroFunction(name, 17);
-    if (handle < 1) return QBHOST_ERR_NO_FUNCTION;
+    if (handle < 1) return qbmsg::NoMacroFunction;
     return invokeHandle(handle, argCount, args, result);
 }
 
 int qbHostRegisterMacroFunction(const char* name, QBHostMacroFunction function, void* user) {
-    if (!name || !*name || !function) return QBHOST_ERR_BAD_ARGUMENTS;
+    if (!name || !*name || !function) return qbmsg::WrongArguments;
     int handle = handleFor(name);
     Callable* c = callableAt(handle);
     c->exported = nullptr;
@@ -143,7 +143,7 @@ int qbHostRegisterMacroFunction(const char* name, QBHostMacroFunction function, 
 
 int qbHostUnregisterMacroFunction(const char* name) {
     Callable* c = callableAt(qbFindMacroFunction(name, 17));
-    if (!c || !c->function) return QBHOST_ERR_NO_FUNCTION;
+    if (!c || !c->function) return qbmsg::NoMacroFunction;
     c->function = nullptr;
     c->user = nullptr;
     return 0;
@@ -158,7 +158,7 @@ int qbHostExportCount(void) { return int(registry().exports.size()); }
 
 int qbHostExportInfo(int index, QBHostExportInfo* out) {
     Registry& r = registry();
-    if (!out || index < 0 || index >= int(r.exports.size())) return QBHOST_ERR_BAD_ARGUMENTS;
+    if (!out || index < 0 || index >= int(r.exports.size())) return qbmsg::WrongArguments;
     const ExportEntry& e = *r.exports[size_t(index)];
     *out = QBHostExportInfo{e.sig.text.c_str(), e.sig.module.c_str(), e.sig.name.c_str(),
                             e.sig.isCommand ? 1 : 0, e.sig.returnsVoid ? 1 : 0,
@@ -173,12 +173,12 @@ int qbHostLoadModule(const char* path, int* registerStatus) {
     if (!module) {
         const char* why = dlerror();
         r.loadError = why ? why : "no module path";
-        return QBHOST_ERR_LOAD;
+        return qbmsg::ModuleNotLoaded;
     }
     auto entry = reinterpret_cast<int (*)()>(dlsym(module, "qbDllRegisterExports"));
     if (!entry) {
         r.loadError = "no qbDllRegisterExports in module";
-        return QBHOST_ERR_NO_ENTRY;
+        return qbmsg::NoRegisterEntry;
     }
     void* outer = r.loadingModule;
     r.loadingModule = module;

@@ -85,21 +85,21 @@ bool parseParams(const std::string& list, Signature& out) {
 }  // namespace
 
 int parseSignature(const char* text, Signature& out) {
-    if (!text) return QBHOST_ERR_BAD_SIGNATURE;
+    if (!text) return qbmsg::BadSignature;
     out = Signature();
     out.text = text;
     size_t open = out.text.find('(');
     size_t close = out.text.rfind(')');
     if (open == std::string::npos || close == std::string::npos || close < open ||
         !trim(out.text.substr(close + 1)).empty())
-        return QBHOST_ERR_BAD_SIGNATURE;
-    if (!parseHead(out.text.substr(0, open), out)) return QBHOST_ERR_BAD_SIGNATURE;
+        return qbmsg::BadSignature;
+    if (!parseHead(out.text.substr(0, open), out)) return qbmsg::BadSignature;
     if (!parseParams(out.text.substr(open + 1, close - open - 1), out))
-        return QBHOST_ERR_BAD_SIGNATURE;
+        return qbmsg::BadSignature;
     // Only trailing parameters may have defaults.
     bool seenDefault = false;
     for (const Param& p : out.params) {
-        if (seenDefault && !p.hasDefault) return QBHOST_ERR_BAD_SIGNATURE;
+        if (seenDefault && !p.hasDefault) return qbmsg::BadSignature;
         seenDefault = seenDefault || p.hasDefault;
     }
     return 0;

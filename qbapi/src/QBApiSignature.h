@@ -26,7 +26,7 @@ struct Signature {
     std::vector<Param> params;
 };
 
-// 0, or QBHOST_ERR_BAD_SIGNATURE with out left in an unspecified state.
+// 0, or qbmsg::BadSignature with out left in an unspecified state.
 int parseSignature(const char* text, Signature& out);
 
 // The value a default stands for: NULL and 0 give 0, numbers their value.

@@ -40,7 +40,7 @@ std::string format(const char* fmt, const char* text) {
 }
 
 int statusOfErrno(int error) {
-    return error == ENOENT || error == ENOTDIR ? -2 : QBHOST_ERR_READ;
+    return error == ENOENT || error == ENOTDIR ? qbmsg::FileNotFound : qbmsg::FileUnreadable;
 }
 
 }  // namespace
@@ -70,7 +70,7 @@ void qbFree(void* block) { std::free(block); }
 }  // extern "C"
 
 int qbReadFileToString(const QBString& fileName, QBString& out, int, int, int) {
-    if (fileName.isEmpty()) return -3015;
+    if (fileName.isEmpty()) return qbmsg::InvalidArgument;
     std::FILE* f = std::fopen(fileName.get(), "rb");
     if (!f) return statusOfErrno(errno);
     std::string data;
@@ -79,10 +79,10 @@ int qbReadFileToString(const QBString& fileName, QBString& out, int, int, int) {
     while ((n = std::fread(chunk, 1, sizeof chunk, f)) > 0) data.append(chunk, n);
     bool failed = std::ferror(f) != 0;
     std::fclose(f);
-    if (failed) return QBHOST_ERR_READ;
-    if (data.size() > 0xFFFFFFF0u) return -8;
+    if (failed) return qbmsg::FileUnreadable;
+    if (data.size() > 0xFFFFFFF0u) return qbmsg::OutOfMemory;
     QBString text;
-    if (text.set(data.data(), unsigned(data.size())) < 0) return -8;
+    if (text.set(data.data(), unsigned(data.size())) < 0) return qbmsg::OutOfMemory;
     out = text;
     return 0;
 }

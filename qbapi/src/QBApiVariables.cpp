@@ -53,7 +53,7 @@ void destroy(int var) {
 
 int setNumber(int var, int64_t value) {
     Variable* v = find(var);
-    if (!v) return QBHOST_ERR_NO_VARIABLE;
+    if (!v) return qbmsg::NoVariable;
     v->kind = Variable::INTEGER;
     v->number = value;
     v->text = std::to_string(value);
@@ -93,7 +93,7 @@ int qbHostVarSetInt64(int var, int64_t value) { return setNumber(var, value); }
 
 int qbVarSetString(int var, const char* text) {
     Variable* v = find(var);
-    if (!v) return QBHOST_ERR_NO_VARIABLE;
+    if (!v) return qbmsg::NoVariable;
     std::vector<int> elements;
     elements.swap(v->elements);
     v->kind = Variable::TEXT;
@@ -109,8 +109,8 @@ int qbHostVarNew(void) { return create(); }
 void qbVarFreeTemp(int var) { destroy(var); }
 
 int qbHostVarMakeArray(int var, int count) {
-    if (!find(var)) return QBHOST_ERR_NO_VARIABLE;
-    if (count < 0) return QBHOST_ERR_BAD_ARGUMENTS;
+    if (!find(var)) return qbmsg::NoVariable;
+    if (count < 0) return qbmsg::WrongArguments;
     qbVarSetString(var, "");
     std::vector<int> elements;
     for (int i = 0; i < count; ++i) elements.push_back(create());
@@ -128,7 +128,7 @@ int qbVarArrayLength(int var) {
 int qbVarArrayElement(int var, int index) {
     Variable* v = find(var);
     if (!v || v->kind != Variable::ARRAY || index < 0 || index >= int(v->elements.size()))
-        return QBHOST_ERR_NO_VARIABLE;
+        return qbmsg::NoVariable;
     return v->elements[size_t(index)];
 }
 

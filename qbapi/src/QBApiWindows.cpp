@@ -52,7 +52,7 @@ int qbHostWindowCreate(const char* text) {
 }
 
 int qbHostWindowDestroy(int wid) {
-    return windows().byId.erase(wid) ? 0 : QBHOST_ERR_NO_WINDOW;
+    return windows().byId.erase(wid) ? 0 : qbmsg::NoWindow;
 }
 
 const char* qbHostWindowText(int wid, size_t* length) {
@@ -63,7 +63,7 @@ const char* qbHostWindowText(int wid, size_t* length) {
 
 int qbHostWindowSetText(int wid, const char* text, size_t length) {
     Window* w = find(wid);
-    if (!w) return QBHOST_ERR_NO_WINDOW;
+    if (!w) return qbmsg::NoWindow;
     w->text.assign(text ? text : "", text ? length : 0);
     w->cursor = w->text.size();
     return 0;
@@ -71,23 +71,23 @@ int qbHostWindowSetText(int wid, const char* text, size_t length) {
 
 int qbHostWindowSetCursor(int wid, size_t offset) {
     Window* w = find(wid);
-    if (!w) return QBHOST_ERR_NO_WINDOW;
-    if (offset > w->text.size()) return QBHOST_ERR_BAD_ARGUMENTS;
+    if (!w) return qbmsg::NoWindow;
+    if (offset > w->text.size()) return qbmsg::WrongArguments;
     w->cursor = offset;
     return 0;
 }
 
 int64_t qbWindowGetProperty(int wid, int property) {
     Window* w = find(wid);
-    if (!w) return QBHOST_ERR_NO_WINDOW;
-    if (property != QBWINDOW_TEXT_SIZE) return QBHOST_ERR_BAD_ARGUMENTS;
+    if (!w) return qbmsg::NoWindow;
+    if (property != QBWINDOW_TEXT_SIZE) return qbmsg::WrongArguments;
     return int64_t(w->text.size());
 }
 
 int qbWindowReadText(int wid, int64_t size, int, char* buffer, int) {
     Window* w = find(wid);
-    if (!w) return QBHOST_ERR_NO_WINDOW;
-    if (size < 0 || (size > 0 && !buffer)) return QBHOST_ERR_BAD_ARGUMENTS;
+    if (!w) return qbmsg::NoWindow;
+    if (size < 0 || (size > 0 && !buffer)) return qbmsg::WrongArguments;
     size_t n = size_t(size) < w->text.size() ? size_t(size) : w->text.size();
     if (n) std::memcpy(buffer, w->text.data(), n);
     return int(n);
@@ -95,8 +95,8 @@ int qbWindowReadText(int wid, int64_t size, int, char* buffer, int) {
 
 int qbWindowInsert(int wid, const char* text, int64_t length, int, int, int) {
     Window* w = find(wid);
-    if (!w) return QBHOST_ERR_NO_WINDOW;
-    if (length < 0 || (length > 0 && !text)) return QBHOST_ERR_BAD_ARGUMENTS;
+    if (!w) return qbmsg::NoWindow;
+    if (length < 0 || (length > 0 && !text)) return qbmsg::WrongArguments;
     w->text.insert(w->cursor, text ? text : "", size_t(length));
     w->cursor += size_t(length);
     return 0;
@@ -104,13 +104,13 @@ int qbWindowInsert(int wid, const char* text, int64_t length, int, int, int) {
 
 int qbWindowLineQuery(int wid, int line) {
     Window* w = find(wid);
-    if (!w) return QBHOST_ERR_NO_WINDOW;
+    if (!w) return qbmsg::NoWindow;
     return line >= 1 && line <= lineCount(*w) ? 1 : 0;
 }
 
 int qbWindowLineAdd(int wid) {
     Window* w = find(wid);
-    if (!w) return QBHOST_ERR_NO_WINDOW;
+    if (!w) return qbmsg::NoWindow;
     if (w->text.empty() && !w->hasEmptyFirstLine) {
         w->hasEmptyFirstLine = true;
         return 0;

@@ -33,17 +33,17 @@ int readWholeFile(const char* fileName, std::string& text) {
     struct stat info;
     if (stat(fileName, &info) != 0) {
         bool absent = errno == ENOENT || errno == ENOTDIR;
-        return failWith(absent ? QBXML_ERR_FILE_NOT_FOUND : QBXML_ERR_READ, std::strerror(errno));
+        return failWith(absent ? qbmsg::FileNotFound : qbmsg::XmlUnreadable, std::strerror(errno));
     }
-    if (!S_ISREG(info.st_mode)) return failWith(QBXML_ERR_READ, "not a regular file");
+    if (!S_ISREG(info.st_mode)) return failWith(qbmsg::XmlUnreadable, "not a regular file");
     FILE* file = std::fopen(fileName, "rb");
-    if (!file) return failWith(QBXML_ERR_READ, std::strerror(errno));
+    if (!file) return failWith(qbmsg::XmlUnreadable, std::strerror(errno));
     char chunk[8192];
     size_t n;
     while ((n = std::fread(chunk, 1, sizeof chunk, file)) > 0) text.append(chunk, n);
     bool failed = std::ferror(file) != 0;
     std::fclose(file);
-    return failed ? failWith(QBXML_ERR_READ, "read error") : 0;
+    return failed ? failWith(qbmsg::XmlUnreadable, "read error") : 0;
 }
 
 std::string describeParseError(const std::string& text, const pugi::xml_parse_result& result) {
@@ -66,9 +66,9 @@ int parseInto(Document& doc, const std::string& text) {
     pugi::xml_parse_result result = doc.tree.load_buffer(text.data(), text.size(), kParseOptions);
     // A file without a root element (empty, or only a prolog) is an empty document.
     if (result || result.status == pugi::status_no_document_element) return 0;
-    if (result.status == pugi::status_out_of_memory) return QBXML_ERR_NOMEM;
+    if (result.status == pugi::status_out_of_memory) return qbmsg::OutOfMemory;
     lastErrorDetail = describeParseError(text, result);
-    return QBXML_ERR_SYNTAX;
+    return qbmsg::XmlSyntax;
 }
 
 int addDocument(std::unique_ptr<Document> doc) {
@@ -78,7 +78,7 @@ int addDocument(std::unique_ptr<Document> doc) {
 
 int openDocument(const char* fileName) {
     lastErrorDetail.clear();
-    if (!fileName || !*fileName) return QBXML_ERR_INVALID_ARGUMENT;
+    if (!fileName || !*fileName) return qbmsg::InvalidArgument;
     std::string text;
     if (int rc = readWholeFile(fileName, text)) return rc;
     std::unique_ptr<Document> doc(new Document);
@@ -118,13 +118,13 @@ bool writeAll(int fd, const std::string& text) {
 int replaceFile(const std::string& fileName, const std::string& text) {
     std::string temporary = fileName + ".XXXXXX";
     int fd = mkstemp(&temporary[0]);
-    if (fd < 0) return failWith(QBXML_ERR_WRITE, std::strerror(errno));
+    if (fd < 0) return failWith(qbmsg::ShortWrite, std::strerror(errno));
     bool ok = writeAll(fd, text) && fchmod(fd, modeFor(fileName)) == 0 && fsync(fd) == 0;
     ok = close(fd) == 0 && ok;
     if (ok && rename(temporary.c_str(), fileName.c_str()) == 0) return 0;
     int saved = errno;
     unlink(temporary.c_str());
-    return failWith(QBXML_ERR_WRITE, std::strerror(saved));
+    return failWith(qbmsg::ShortWrite, std::strerror(saved));
 }
 
 }  // namespace
@@ -180,17 +180,17 @@ int qbXMLCFGCreate(const char* name, int, int) {
 }
 
 int qbXMLCFGClose(int handle) {
-    if (!documentFor(handle)) return QBXML_ERR_INVALID_HANDLE;
+    if (!documentFor(handle)) return qbmsg::NoXmlDocument;
     documents[size_t(handle) - 1].reset();
     return 0;
 }
 
 int qbXMLCFGSave(int handle, int indent, int declaration, const char* fileName, int, int, int) {
     Document* doc = documentFor(handle);
-    if (!doc) return QBXML_ERR_INVALID_HANDLE;
+    if (!doc) return qbmsg::NoXmlDocument;
     return guarded([&] {
         std::string target = fileName && *fileName ? fileName : doc->name;
-        if (target.empty()) return int(QBXML_ERR_INVALID_ARGUMENT);
+        if (target.empty()) return int(qbmsg::InvalidArgument);
         lastErrorDetail.clear();
         return replaceFile(target, render(*doc, indent, declaration));
     });

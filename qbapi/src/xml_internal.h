@@ -31,7 +31,7 @@ template <class F> int guarded(F f) {
     try {
         return f();
     } catch (const std::bad_alloc&) {
-        return -8;
+        return qbmsg::OutOfMemory;
     }
 }
 

@@ -34,7 +34,7 @@ std::string doctypeValue(const char* text) {
 }
 
 int addDoctype(Document& doc, int parent, const char* name) {
-    if (parent != 0) return QBXML_ERR_INVALID_ARGUMENT;
+    if (parent != 0) return qbmsg::InvalidArgument;
     std::string value = doctypeValue(name);
     for (pugi::xml_node child : doc.tree.children()) {
         if (child.type() != pugi::node_doctype) continue;
@@ -44,7 +44,7 @@ int addDoctype(Document& doc, int parent, const char* name) {
     pugi::xml_node root = firstElement(doc.tree);
     pugi::xml_node added = root ? doc.tree.insert_child_before(pugi::node_doctype, root)
                                 : doc.tree.append_child(pugi::node_doctype);
-    if (!added || !added.set_value(value.c_str())) return QBXML_ERR_NOMEM;
+    if (!added || !added.set_value(value.c_str())) return qbmsg::OutOfMemory;
     return doc.indexOf(added);
 }
 
@@ -56,13 +56,13 @@ pugi::xml_node childAt(pugi::xml_node parent, int position) {
 }
 
 int addElement(Document& doc, pugi::xml_node parent, const char* name, int position) {
-    if (!*name) return QBXML_ERR_INVALID_ARGUMENT;
-    if (parent == doc.tree && firstElement(doc.tree)) return QBXML_ERR_SECOND_ROOT;
-    if (parent.type() != pugi::node_element && parent != doc.tree) return QBXML_ERR_INVALID_ARGUMENT;
+    if (!*name) return qbmsg::InvalidArgument;
+    if (parent == doc.tree && firstElement(doc.tree)) return qbmsg::SecondXmlRoot;
+    if (parent.type() != pugi::node_element && parent != doc.tree) return qbmsg::InvalidArgument;
     pugi::xml_node before = childAt(parent, position);
     pugi::xml_node added = before ? parent.insert_child_before(pugi::node_element, before)
                                   : parent.append_child(pugi::node_element);
-    if (!added || !added.set_name(name)) return QBXML_ERR_NOMEM;
+    if (!added || !added.set_name(name)) return qbmsg::OutOfMemory;
     return doc.indexOf(added);
 }
 
@@ -82,7 +82,7 @@ int findAlong(Document& doc, const char* path, pugi::xml_node start, QBArray<int
         step += length + (end ? 1 : 0);
     }
     for (pugi::xml_node node : current)
-        if (node != start && found.add(doc.indexOf(node)) != 0) return QBXML_ERR_NOMEM;
+        if (node != start && found.add(doc.indexOf(node)) != 0) return qbmsg::OutOfMemory;
     return int(found.count());
 }
 
@@ -90,46 +90,46 @@ int findAlong(Document& doc, const char* path, pugi::xml_node start, QBArray<int
 
 int qbXMLCFGFindElement(int handle, const char* name, int parent, int) {
     Document* doc = documentFor(handle);
-    if (!doc) return QBXML_ERR_INVALID_HANDLE;
+    if (!doc) return qbmsg::NoXmlDocument;
     pugi::xml_node node = doc->nodeAt(parent);
-    if (!node) return QBXML_ERR_INVALID_INDEX;
-    if (!name) return QBXML_ERR_INVALID_ARGUMENT;
+    if (!node) return qbmsg::NoXmlNode;
+    if (!name) return qbmsg::InvalidArgument;
     for (pugi::xml_node child : node.children())
         if (sameName(child, name, std::strlen(name)))
             return guarded([&] { return doc->indexOf(child); });
-    return QBXML_ERR_NOT_FOUND;
+    return qbmsg::NotInList;
 }
 
 int qbXMLCFGFindNodes(int handle, const char* path, int parent, QBArray<int>& nodes) {
     nodes.clear();
     Document* doc = documentFor(handle);
-    if (!doc) return QBXML_ERR_INVALID_HANDLE;
-    if (!path) return QBXML_ERR_INVALID_ARGUMENT;
+    if (!doc) return qbmsg::NoXmlDocument;
+    if (!path) return qbmsg::InvalidArgument;
     pugi::xml_node start = *path == '/' ? pugi::xml_node(doc->tree) : doc->nodeAt(parent);
-    if (!start) return QBXML_ERR_INVALID_INDEX;
+    if (!start) return qbmsg::NoXmlNode;
     return guarded([&] { return findAlong(*doc, path, start, nodes); });
 }
 
 int qbXMLCFGAddNode(int handle, int parent, const char* name, int position, int kind, int) {
     Document* doc = documentFor(handle);
-    if (!doc) return QBXML_ERR_INVALID_HANDLE;
+    if (!doc) return qbmsg::NoXmlDocument;
     pugi::xml_node node = doc->nodeAt(parent);
-    if (!node) return QBXML_ERR_INVALID_INDEX;
-    if (!name) return QBXML_ERR_INVALID_ARGUMENT;
+    if (!node) return qbmsg::NoXmlNode;
+    if (!name) return qbmsg::InvalidArgument;
     return guarded([&] {
         if (kind == QBXML_DOCTYPE) return addDoctype(*doc, parent, name);
         if (kind == QBXML_ELEMENT || kind == QBXML_ELEMENT_WITH_CHILDREN)
             return addElement(*doc, node, name, position);
-        return int(QBXML_ERR_INVALID_ARGUMENT);
+        return int(qbmsg::InvalidArgument);
     });
 }
 
 int qbXMLCFGDeleteNode(int handle, int index, int) {
     Document* doc = documentFor(handle);
-    if (!doc) return QBXML_ERR_INVALID_HANDLE;
-    if (index == 0) return QBXML_ERR_INVALID_ARGUMENT;
+    if (!doc) return qbmsg::NoXmlDocument;
+    if (index == 0) return qbmsg::InvalidArgument;
     pugi::xml_node node = doc->nodeAt(index);
-    if (!node) return QBXML_ERR_INVALID_INDEX;
+    if (!node) return qbmsg::NoXmlNode;
     doc->forget(node);
     node.parent().remove_child(node);
     return 0;
@@ -138,16 +138,16 @@ int qbXMLCFGDeleteNode(int handle, int index, int) {
 int qbXMLCFGSetAttribute(int handle, int index, const char* name, const char* value,
                          int valueLength, int) {
     Document* doc = documentFor(handle);
-    if (!doc) return QBXML_ERR_INVALID_HANDLE;
+    if (!doc) return qbmsg::NoXmlDocument;
     pugi::xml_node node = doc->nodeAt(index);
-    if (!node) return QBXML_ERR_INVALID_INDEX;
-    if (!name || !*name || node.type() != pugi::node_element) return QBXML_ERR_INVALID_ARGUMENT;
+    if (!node) return qbmsg::NoXmlNode;
+    if (!name || !*name || node.type() != pugi::node_element) return qbmsg::InvalidArgument;
     return guarded([&] {
         std::string text;
         if (value) text.assign(value, valueLength < 0 ? std::strlen(value) : size_t(valueLength));
         pugi::xml_attribute attribute = node.attribute(name);
         if (!attribute) attribute = node.append_attribute(name);
-        return attribute && attribute.set_value(text.c_str()) ? 0 : int(QBXML_ERR_NOMEM);
+        return attribute && attribute.set_value(text.c_str()) ? 0 : int(qbmsg::OutOfMemory);
     });
 }
 

@@ -1,6 +1,7 @@
 // Every allocation of a whole front-end round fails once in turn: lexing through the filter
-// with marks, building and cloning a tree, editing, logging and formatting. Nothing may crash
-// or leak, and whatever text comes out is never longer than the input.
+// with marks, building and cloning a tree, editing, logging and formatting. Nothing may crash,
+// every block the round made is freed, and whatever text comes out is never longer than the
+// input.
 #include <gtest/gtest.h>
 
 #include <string>
@@ -63,10 +64,18 @@ std::string round() {
 TEST(OutOfMemory, EveryFailingAllocationIsSurvived) {
     std::string clean = round();
     ASSERT_EQ(clean, kInput);
-    for (unsigned n = 1; n < 400; ++n) {
+    const size_t live = QBAllocator::liveBlocks();
+    unsigned failedRounds = 0;
+    bool ranOut = false;
+    for (unsigned n = 1; n < 5000 && !ranOut; ++n) {
         QBAllocator::failAllocationAfter(n);
         std::string text = round();
-        QBAllocator::failAllocationAfter(0);
+        ranOut = QBAllocator::failAllocationAfter(0) != 0;  // the round needed fewer than n
+        if (!ranOut) ++failedRounds;
         EXPECT_LE(text.size(), clean.size()) << "failing allocation " << n;
+        EXPECT_EQ(QBAllocator::liveBlocks(), live) << "blocks left when allocation " << n << " failed";
     }
+    EXPECT_TRUE(ranOut) << "some allocation of the round never failed";
+    EXPECT_GT(failedRounds, 100u) << "a round this size makes more allocations than that";
+    EXPECT_EQ(round(), clean) << "memory back, the same text";
 }

@@ -81,7 +81,7 @@ TEST_F(Scope, TablesAreMadeOnDemandOrReserved) {
 }
 
 TEST_F(Scope, RemovingTheLastSymbolDropsTheKeyAndLookupGoesToTheParent) {
-    EXPECT_EQ(decls[0]->removeSymbol(nullptr), BPSYMBOL_NOTABLE);
+    EXPECT_EQ(decls[0]->removeSymbol(nullptr), qbmsg::NotInList);
     CPSymbolInfo* outer = declare(0, unit);
     outer->addRef();
     CPSymbolInfo* inner = declare(2, decls[0]);
@@ -106,7 +106,7 @@ TEST_F(Scope, FindSymbolsWalksUpAndReportsAbsence) {
     ASSERT_EQ(out.count(), 1u);
     EXPECT_EQ(out[0], g);
     SymbolList none;
-    EXPECT_EQ(decls[2]->findSymbols("h", none), BPSYMBOL_NOTFOUND);
+    EXPECT_EQ(decls[2]->findSymbols("h", none), qbmsg::NameNotFound);
     EXPECT_EQ(none.count(), 0u);
 }
 
@@ -120,7 +120,7 @@ TEST_F(Scope, MutualImportsEndAndTwoRoutesListASymbolTwice) {
     EXPECT_EQ(decls[1]->findSymbols("f", out), 0);
     EXPECT_EQ(out.count(), 1u);
     SymbolList missing;
-    EXPECT_EQ(decls[0]->getSymbolTable()->collectSymbols("zz", missing, false), BPSYMBOL_NOTFOUND);
+    EXPECT_EQ(decls[0]->getSymbolTable()->collectSymbols("zz", missing, false), qbmsg::NameNotFound);
 
     ASSERT_EQ(decls[2]->addImport(decls[1]->getSymbolTable()), 0);
     ASSERT_EQ(decls[2]->addImport(decls[0]->getSymbolTable()), 0);

@@ -395,11 +395,15 @@ TEST(TokenSource, OutOfMemoryDuringMarkOrReadIsAStatus) {
 }
 
 TEST(TokenSource, DestroyingASourceWithOpenMarksReleasesEverything) {
+    size_t live = QBAllocator::liveBlocks();
     FilteredStream* stream = new FilteredStream("a b c d e f");
     stream->filter->currentToken();
     stream->filter->mark();
     stream->filter->nextToken();
     stream->filter->mark();
     stream->filter->peekType(3);
-    delete stream;  // LeakSanitizer checks that nothing stays behind
+    EXPECT_EQ(stream->filter->getMarkCount(), 2u);
+    EXPECT_GT(QBAllocator::liveBlocks(), live);
+    delete stream;
+    EXPECT_EQ(QBAllocator::liveBlocks(), live) << "a token, a mark's queue or the text stayed";
 }

@@ -220,6 +220,6 @@ TEST(Preprocess, AnUnknownWindowIsTheHostsStatus) {
     int t = begin();
     addFile(t, dir + "/a.c");
     EXPECT_EQ(run("refactor_c_preprocess", {qbArgInt(t), qbArgInt(987654), qbArgInt(0)}),
-              QBHOST_ERR_NO_WINDOW);
+              qbmsg::NoWindow);
     cancel(t);
 }

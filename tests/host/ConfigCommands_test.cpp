@@ -67,7 +67,7 @@ protected:
     void SetUp() override { qbRefactorConfigClose(); }
     void TearDown() override { qbRefactorConfigClose(); }
     // Opens a file that does not exist yet: the object is there, empty, with no document.
-    void startEmpty() { ASSERT_EQ(qbRefactorConfigOpen(xml.c_str()), QBXML_ERR_FILE_NOT_FOUND); }
+    void startEmpty() { ASSERT_EQ(qbRefactorConfigOpen(xml.c_str()), qbmsg::FileNotFound); }
     void saveAndReopen() {
         ASSERT_EQ(qbRefactorConfigSave(xml.c_str()), 0);
         ASSERT_EQ(qbRefactorConfigOpen(xml.c_str()), 0);
@@ -137,14 +137,14 @@ TEST_F(ConfigCommands, DeleteAllTypeIgnoresCase) {
 TEST_F(ConfigCommands, SaveAfterFailedOpenWritesNothing) {
     writeFile(xml, "<Compilers><C_Configuration Name=\"x\"></Compilers>");
     std::string before = readFile(xml);
-    EXPECT_EQ(qbRefactorConfigOpen(xml.c_str()), QBXML_ERR_SYNTAX);
+    EXPECT_EQ(qbRefactorConfigOpen(xml.c_str()), qbmsg::XmlSyntax);
     EXPECT_EQ(qbRefactorConfigIsOpen(nullptr), 0);
     EXPECT_EQ(qbRefactorConfigCount(), 0);
     EXPECT_EQ(qbRefactorConfigSave(nullptr), 0);
     EXPECT_EQ(qbRefactorConfigSave(xml.c_str()), 0);
     EXPECT_EQ(readFile(xml), before);
     std::string other = scratch.file("other.xml");
-    ASSERT_EQ(qbRefactorConfigOpen(other.c_str()), QBXML_ERR_FILE_NOT_FOUND);
+    ASSERT_EQ(qbRefactorConfigOpen(other.c_str()), qbmsg::FileNotFound);
     EXPECT_EQ(qbRefactorConfigSave(other.c_str()), 0);
     EXPECT_FALSE(fileExists(other));
     ASSERT_EQ(qbRefactorConfigAdd("x", "/h", "a"), 0);  // an add creates a new document
@@ -216,7 +216,7 @@ TEST_F(ConfigCommands, CComesBeforeJavaWhateverTheFileOrder) {
 
 TEST_F(ConfigCommands, FileWithoutCompilersGetsDocumentTypeAndRootAgain) {
     writeFile(xml, "<?xml version=\"1.0\"?>\n<!-- nothing yet -->\n");
-    EXPECT_EQ(qbRefactorConfigOpen(xml.c_str()), QBXML_ERR_NOT_FOUND);
+    EXPECT_EQ(qbRefactorConfigOpen(xml.c_str()), qbmsg::NotInList);
     EXPECT_EQ(qbRefactorConfigIsOpen(nullptr), 1);
     ASSERT_EQ(qbRefactorConfigAdd("x", "/h", "a"), 0);
     saveAndReopen();
@@ -228,8 +228,8 @@ TEST_F(ConfigCommands, FileWithoutCompilersGetsDocumentTypeAndRootAgain) {
 
 TEST_F(ConfigCommands, AnotherRootIsRefusedAndNothingIsAdded) {
     writeFile(xml, "<Other/>\n");
-    EXPECT_EQ(qbRefactorConfigOpen(xml.c_str()), QBXML_ERR_NOT_FOUND);
-    EXPECT_EQ(qbRefactorConfigAdd("x", "/h", "a"), QBXML_ERR_SECOND_ROOT);
+    EXPECT_EQ(qbRefactorConfigOpen(xml.c_str()), qbmsg::NotInList);
+    EXPECT_EQ(qbRefactorConfigAdd("x", "/h", "a"), qbmsg::SecondXmlRoot);
     EXPECT_EQ(qbRefactorConfigCount(), 0);
 }
 

@@ -35,7 +35,7 @@ protected:
     void SetUp() override {
         ASSERT_EQ(std::getenv("QBROOT"), nullptr);
         ASSERT_EQ(run("refactor_config_open", {qbArgString(xml.c_str())}),
-                  QBXML_ERR_FILE_NOT_FOUND);
+                  qbmsg::FileNotFound);
     }
     void TearDown() override { run("refactor_config_close"); }
     std::vector<std::string> includes(const char* name) {

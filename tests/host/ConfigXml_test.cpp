@@ -74,8 +74,8 @@ TEST_F(XmlDocument, IndicesSurviveDeletingOtherNodes) {
     int b = qbXMLCFGAddNode(doc, root, "B", -1, 1, 2);
     int inner = qbXMLCFGAddNode(doc, a, "Inner", -1, 2, 2);
     ASSERT_EQ(qbXMLCFGDeleteNode(doc, a, 0), 0);
-    EXPECT_EQ(qbXMLCFGSetAttribute(doc, inner, "k", "v", -1, 0), QBXML_ERR_INVALID_INDEX);
-    EXPECT_EQ(qbXMLCFGDeleteNode(doc, a, 0), QBXML_ERR_INVALID_INDEX);
+    EXPECT_EQ(qbXMLCFGSetAttribute(doc, inner, "k", "v", -1, 0), qbmsg::NoXmlNode);
+    EXPECT_EQ(qbXMLCFGDeleteNode(doc, a, 0), qbmsg::NoXmlNode);
     ASSERT_EQ(qbXMLCFGSetAttribute(doc, b, "k", "v", -1, 0), 0);
     EXPECT_EQ(attribute(doc, b, "k"), "v");
     int c = qbXMLCFGAddNode(doc, root, "C", 0, 1, 2);  // inserted in front of B
@@ -83,39 +83,39 @@ TEST_F(XmlDocument, IndicesSurviveDeletingOtherNodes) {
     QBArray<int> order;
     ASSERT_EQ(qbXMLCFGFindNodes(doc, "/R/C", 0, order), 1);
     EXPECT_EQ(qbXMLCFGFindElement(doc, "B", root, 0), b);
-    EXPECT_EQ(qbXMLCFGFindElement(doc, "A", root, 0), QBXML_ERR_NOT_FOUND);
+    EXPECT_EQ(qbXMLCFGFindElement(doc, "A", root, 0), qbmsg::NotInList);
 }
 
 TEST_F(XmlDocument, RefusesWhatWouldNotBeWellFormed) {
     doc = qbXMLCFGCreate("x.xml", 70, 3);
     int root = qbXMLCFGAddNode(doc, 0, "R", -1, 1, 2);
     ASSERT_GT(root, 0);
-    EXPECT_EQ(qbXMLCFGAddNode(doc, 0, "Other", -1, 1, 2), QBXML_ERR_SECOND_ROOT);
-    EXPECT_EQ(qbXMLCFGAddNode(doc, root, "", -1, 1, 2), QBXML_ERR_INVALID_ARGUMENT);
-    EXPECT_EQ(qbXMLCFGAddNode(doc, root, "D", -1, QBXML_DOCTYPE, 2), QBXML_ERR_INVALID_ARGUMENT);
+    EXPECT_EQ(qbXMLCFGAddNode(doc, 0, "Other", -1, 1, 2), qbmsg::SecondXmlRoot);
+    EXPECT_EQ(qbXMLCFGAddNode(doc, root, "", -1, 1, 2), qbmsg::InvalidArgument);
+    EXPECT_EQ(qbXMLCFGAddNode(doc, root, "D", -1, QBXML_DOCTYPE, 2), qbmsg::InvalidArgument);
     int first = qbXMLCFGAddNode(doc, 0, "DOCTYPE R SYSTEM \"a\"", -1, QBXML_DOCTYPE, 2);
     EXPECT_EQ(qbXMLCFGAddNode(doc, 0, "DOCTYPE R SYSTEM \"b\"", -1, QBXML_DOCTYPE, 2), first);
-    EXPECT_EQ(qbXMLCFGDeleteNode(doc, 0, 0), QBXML_ERR_INVALID_ARGUMENT);
-    EXPECT_EQ(qbXMLCFGFindElement(doc + 100, "R", 0, 0), QBXML_ERR_INVALID_HANDLE);
-    EXPECT_EQ(qbXMLCFGFindElement(doc, "R", 999, 0), QBXML_ERR_INVALID_INDEX);
+    EXPECT_EQ(qbXMLCFGDeleteNode(doc, 0, 0), qbmsg::InvalidArgument);
+    EXPECT_EQ(qbXMLCFGFindElement(doc + 100, "R", 0, 0), qbmsg::NoXmlDocument);
+    EXPECT_EQ(qbXMLCFGFindElement(doc, "R", 999, 0), qbmsg::NoXmlNode);
     EXPECT_EQ(attribute(doc + 100, root, "x"), "<none>");
 }
 
 TEST_F(XmlDocument, OpenFailuresGiveTheirStatus) {
-    EXPECT_EQ(open(scratch.file("absent.xml")), QBXML_ERR_FILE_NOT_FOUND);
-    EXPECT_EQ(open(scratch.path()), QBXML_ERR_READ);
-    EXPECT_EQ(open(""), QBXML_ERR_INVALID_ARGUMENT);
+    EXPECT_EQ(open(scratch.file("absent.xml")), qbmsg::FileNotFound);
+    EXPECT_EQ(open(scratch.path()), qbmsg::XmlUnreadable);
+    EXPECT_EQ(open(""), qbmsg::InvalidArgument);
     writeFile(scratch.file("bad.xml"), "<?xml version=\"1.0\"?>\n<Compilers>\n  <C_Configuration>\n</Compilers>\n");
-    EXPECT_EQ(open(scratch.file("bad.xml")), QBXML_ERR_SYNTAX);
+    EXPECT_EQ(open(scratch.file("bad.xml")), qbmsg::XmlSyntax);
     EXPECT_EQ(std::string(qbXMLCFGLastErrorDetail()).find("line 4"), 0u) << qbXMLCFGLastErrorDetail();
-    EXPECT_STRNE(qbXMLCFGStatusText(QBXML_ERR_SYNTAX), qbXMLCFGStatusText(QBXML_ERR_READ));
+    EXPECT_STRNE(qbXMLCFGStatusText(qbmsg::XmlSyntax), qbXMLCFGStatusText(qbmsg::XmlUnreadable));
     doc = 0;
 }
 
 TEST_F(XmlDocument, FileWithoutRootOpensEmpty) {
     writeFile(scratch.file("prolog.xml"), "<?xml version=\"1.0\"?>\n");
     ASSERT_GT(open(scratch.file("prolog.xml")), 0);
-    EXPECT_EQ(qbXMLCFGFindElement(doc, "Compilers", 0, 0), QBXML_ERR_NOT_FOUND);
+    EXPECT_EQ(qbXMLCFGFindElement(doc, "Compilers", 0, 0), qbmsg::NotInList);
     EXPECT_GT(qbXMLCFGAddNode(doc, 0, "Compilers", -1, 1, 2), 0);
 }
 
@@ -125,9 +125,9 @@ TEST_F(XmlDocument, FailedSaveLeavesTheOldFile) {
     doc = qbXMLCFGCreate(target.c_str(), 70, 3);
     qbXMLCFGAddNode(doc, 0, "New", -1, 1, 2);
     std::filesystem::create_directory(scratch.file("adir"));
-    EXPECT_EQ(qbXMLCFGSave(doc, -1, 1, scratch.file("adir").c_str(), -1, 0, 0), QBXML_ERR_WRITE);
+    EXPECT_EQ(qbXMLCFGSave(doc, -1, 1, scratch.file("adir").c_str(), -1, 0, 0), qbmsg::ShortWrite);
     EXPECT_EQ(qbXMLCFGSave(doc, -1, 1, scratch.file("no/such/dir.xml").c_str(), -1, 0, 0),
-              QBXML_ERR_WRITE);
+              qbmsg::ShortWrite);
     EXPECT_EQ(readFile(target), "<Old/>\n");
     auto entries = std::distance(std::filesystem::directory_iterator(scratch.path()),
                                  std::filesystem::directory_iterator());
@@ -135,7 +135,7 @@ TEST_F(XmlDocument, FailedSaveLeavesTheOldFile) {
     ASSERT_EQ(qbXMLCFGSave(doc, -1, 1, nullptr, -1, 0, 0), 0);
     EXPECT_NE(readFile(target).find("<New"), std::string::npos);
     EXPECT_EQ(qbXMLCFGClose(doc), 0);
-    EXPECT_EQ(qbXMLCFGClose(doc), QBXML_ERR_INVALID_HANDLE);
+    EXPECT_EQ(qbXMLCFGClose(doc), qbmsg::NoXmlDocument);
     doc = 0;
 }
 

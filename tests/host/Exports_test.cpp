@@ -105,8 +105,8 @@ TEST(ModuleExports, VersionAndCopyrightShowTheirText) {
 
 TEST(ModuleExports, InitializeIsRegisteredButNotReachable) {
     loadModule();
-    EXPECT_EQ(hostStatus("refactor_initialize"), QBHOST_ERR_NOT_EXPORTED);
-    EXPECT_EQ(hostStatus("refactor_finalize"), QBHOST_ERR_NOT_EXPORTED);
+    EXPECT_EQ(hostStatus("refactor_initialize"), qbmsg::NotExported);
+    EXPECT_EQ(hostStatus("refactor_finalize"), qbmsg::NotExported);
     auto init = reinterpret_cast<int (*)()>(moduleSymbol("qbrefactor_initialize"));
     ASSERT_NE(init, nullptr);
     EXPECT_EQ(init(), 0);
@@ -177,6 +177,6 @@ TEST(ModuleExports, WindowTextNeedsRoomForItsTerminator) {
     EXPECT_EQ(getRText(wid, buffer, 5), -8);
     EXPECT_EQ(getRText(wid, buffer, 6), 5);
     EXPECT_STREQ(buffer, "hello");
-    EXPECT_EQ(getRText(9999, buffer, 6), QBHOST_ERR_NO_WINDOW);
+    EXPECT_EQ(getRText(9999, buffer, 6), qbmsg::NoWindow);
     qbHostWindowDestroy(wid);
 }

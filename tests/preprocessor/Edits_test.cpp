@@ -147,9 +147,9 @@ TEST(PreprocessorEdits, RemovalAndBadPlaces) {
     // The emptied slot is no token any more: replacing it clears and prunes, and nothing else.
     EXPECT_EQ(CPPreprocessorEdits::replaceToken(node, unsigned(at), none), 0);
     EXPECT_EQ(run.sourceText(), "int a;\nint;\n");
-    EXPECT_EQ(CPPreprocessorEdits::replaceToken(node, 999, none), CPPP_ERR_MISSING_CHILD);
-    EXPECT_EQ(CPPreprocessorEdits::replaceToken(nullptr, 0, none), CPPP_ERR_MISSING_CHILD);
-    EXPECT_EQ(CPPreprocessorEdits::insertBeforeToken(nullptr, none), CPPP_ERR_MISSING_CHILD);
+    EXPECT_EQ(CPPreprocessorEdits::replaceToken(node, 999, none), qbmsg::NothingToWorkOn);
+    EXPECT_EQ(CPPreprocessorEdits::replaceToken(nullptr, 0, none), qbmsg::NothingToWorkOn);
+    EXPECT_EQ(CPPreprocessorEdits::insertBeforeToken(nullptr, none), qbmsg::NothingToWorkOn);
     releaseTokens(served);
 }
 
@@ -199,7 +199,7 @@ TEST(PreprocessorEdits, OutOfMemoryAtEveryStep) {
             break;
         }
         ++failures;
-        EXPECT_EQ(rc, CPPP_ERR_NOMEM);
+        EXPECT_EQ(rc, qbmsg::OutOfMemory);
         releaseTokens(served);
     }
     EXPECT_GT(failures, 3);

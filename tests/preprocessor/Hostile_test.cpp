@@ -60,7 +60,7 @@ TEST(HostileInput, TenThousandNestedCalls) {
     ASSERT_FALSE(out.empty());
     EXPECT_EQ(out.front(), "f");
     EXPECT_EQ(std::count(out.begin(), out.end(), std::string("7")), 1);
-    EXPECT_EQ(messagesOf(run.pp().getSourceTree(), CPPP_ERR_TOO_DEEP), 1);
+    EXPECT_EQ(messagesOf(run.pp().getSourceTree(), qbmsg::NestedTooDeeply), 1);
     // Within the limit a nest expands fully, read once per level.
     const std::string modest = "#define f(x) x\n" + repeat("f(", 150) + "7" + repeat(")", 150) + "\n";
     PreprocessorRun fine(modest);

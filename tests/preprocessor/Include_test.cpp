@@ -12,6 +12,7 @@
 #include "CPPreprocessorInclude.h"
 #include "CPPreprocessorReader.h"
 #include "CPWhitespaceFilter.h"
+#include "MessageLines.h"
 #include "support/PreprocessorTestKit.h"
 
 using quernbase::QBString;
@@ -43,21 +44,12 @@ std::string served(const std::string& dir, const std::string& text,
     return joinSpellings(run.spellings());
 }
 
-// The messages of a run as "file-tail:line:column:code:first-argument", one a line.
+// The messages of a run, one a line: see messageLines.
 std::string messages(PreprocessorRun& run) {
     run.pp().run();
     TBPErrorLog<CPParseNodeType> log;
     run.pp().collectErrors(log);
-    std::string text;
-    for (int i = 0; i < log.getCount(); ++i) {
-        const TBPErrorInfo<CPParseNodeType>* r = log.getRecord(i);
-        std::string file = r->arguments[0].isNull() ? "" : r->arguments[0].get();
-        text += file.substr(file.rfind('/') + 1);
-        for (unsigned a = 1; a < r->arguments.count() && a <= 4; ++a)
-            text += std::string(":") + (r->arguments[a].isNull() ? "" : r->arguments[a].get());
-        text += "\n";
-    }
-    return text;
+    return messageLines(log);
 }
 
 bool guarded(const std::string& text, std::string* name = nullptr) {

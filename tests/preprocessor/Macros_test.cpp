@@ -115,7 +115,7 @@ TEST(MacroDefinitions, RedefinitionWarnsAndKeepsBoth) {
     run.pp().getOutputTree()->collectErrors(log);
     int redefined = 0;
     for (int i = 0; i < log.getCount(); ++i)
-        redefined += log.getRecord(i)->code == CPPP_WARN_REDEFINED ? 1 : 0;
+        redefined += log.getRecord(i)->code == qbmsg::MacroRedefined ? 1 : 0;
     EXPECT_EQ(redefined, 1);
     // Each name of the macro in the file is a reference of the definition that applied.
     EXPECT_EQ((*entries)[0]->getReferenceCount(), 2u);

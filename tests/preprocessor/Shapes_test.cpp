@@ -74,9 +74,9 @@ TEST(Cancelling, AHostThatCancelsStopsTheRun) {
     lexer->addRef();
     CPPreprocessor* pp = new CPPreprocessor(lexer, &host);
     pp->addRef();
-    EXPECT_EQ(pp->run(), CPPP_ERR_CANCELLED);
+    EXPECT_EQ(pp->run(), qbmsg::Cancelled);
     quernbase::QBString out;
-    EXPECT_EQ(pp->writePreprocessedText(out, false), CPPP_ERR_CANCELLED);
+    EXPECT_EQ(pp->writePreprocessedText(out, false), qbmsg::Cancelled);
     pp->release();
     lexer->release();
 }

@@ -49,8 +49,8 @@ TEST(QBApiSignatures, RefuseWhatDoesNotParse) {
     for (const char* bad : {"", "int f()", "int mod:f(", "long mod:f()", "int mod:f(float x)",
                             "int mod:f(int)", "int mod:f(int a QBDEFAULT(1), int b)",
                             "int mod:f() trailing", "int mod:f(int a QBDEFAULT(1)"})
-        EXPECT_EQ(registered(bad), QBHOST_ERR_BAD_SIGNATURE) << bad;
-    EXPECT_EQ(qbRegisterExport(nullptr, 0, 0), QBHOST_ERR_BAD_SIGNATURE);
+        EXPECT_EQ(registered(bad), qbmsg::BadSignature) << bad;
+    EXPECT_EQ(qbRegisterExport(nullptr, 0, 0), qbmsg::BadSignature);
 }
 
 TEST(QBApiCalls, MacroFunctionsAreFoundTestedAndCalled) {
@@ -70,17 +70,17 @@ TEST(QBApiCalls, MacroFunctionsAreFoundTestedAndCalled) {
 
     EXPECT_EQ(qbHostUnregisterMacroFunction("qbapi_test_twice"), 0);
     EXPECT_EQ(qbIsMacroFunction(handle), 0);
-    EXPECT_EQ(qbCallMacroFunction(0, handle, 1, &arg), QBHOST_ERR_NO_FUNCTION);
+    EXPECT_EQ(qbCallMacroFunction(0, handle, 1, &arg), qbmsg::NoMacroFunction);
     EXPECT_EQ(qbHostRegisterMacroFunction("qbapi_test_twice", twice, nullptr), handle)
         << "a name keeps its handle";
-    EXPECT_EQ(qbHostInvoke("qbapi_test_none", 0, nullptr, &result), QBHOST_ERR_NO_FUNCTION);
+    EXPECT_EQ(qbHostInvoke("qbapi_test_none", 0, nullptr, &result), qbmsg::NoMacroFunction);
 }
 
 TEST(QBApiCalls, RegisteredCommandWithoutAnExportFailsAtCallTime) {
     ASSERT_EQ(qbRegisterExport("int qbapitest:qbapi_test_not_exported(int a)", 0, 0), 0);
     QBArgRecord arg = qbArgInt(1);
     int result = 0;
-    EXPECT_EQ(qbHostInvoke("qbapi_test_not_exported", 1, &arg, &result), QBHOST_ERR_NOT_EXPORTED);
+    EXPECT_EQ(qbHostInvoke("qbapi_test_not_exported", 1, &arg, &result), qbmsg::NotExported);
 }
 
 TEST(QBApiVariables, HoldIntegersTextsAndArrays) {
@@ -101,8 +101,8 @@ TEST(QBApiVariables, HoldIntegersTextsAndArrays) {
     EXPECT_STREQ(qbVarGetString(qbVarArrayElement(v, 2)), "third");
     EXPECT_LT(qbVarArrayElement(v, 3), 0);
     qbVarFreeTemp(v);
-    EXPECT_EQ(qbVarSetString(e, "x"), QBHOST_ERR_NO_VARIABLE) << "elements go with their array";
-    EXPECT_EQ(qbVarSetInt(v, 1), QBHOST_ERR_NO_VARIABLE);
+    EXPECT_EQ(qbVarSetString(e, "x"), qbmsg::NoVariable) << "elements go with their array";
+    EXPECT_EQ(qbVarSetInt(v, 1), qbmsg::NoVariable);
     int t = qbVarNewTemp(0);
     EXPECT_NE(t, v) << "handles are not reused";
     qbVarFreeTemp(t);
@@ -125,10 +125,10 @@ TEST(QBApiWindows, InsertAtTheCursorAndCountLines) {
     char buffer[4];
     EXPECT_EQ(qbWindowReadText(wid, 4, 0, buffer, 0), 4);
     EXPECT_EQ(std::string(buffer, 4), "abXY");
-    EXPECT_EQ(qbWindowInsert(wid, nullptr, 3, 1, 13, 10), QBHOST_ERR_BAD_ARGUMENTS);
+    EXPECT_EQ(qbWindowInsert(wid, nullptr, 3, 1, 13, 10), qbmsg::WrongArguments);
     EXPECT_EQ(qbHostWindowDestroy(wid), 0);
-    EXPECT_EQ(qbWindowInsert(wid, "x", 1, 1, 13, 10), QBHOST_ERR_NO_WINDOW);
-    EXPECT_EQ(qbWindowGetProperty(wid, QBWINDOW_TEXT_SIZE), QBHOST_ERR_NO_WINDOW);
+    EXPECT_EQ(qbWindowInsert(wid, "x", 1, 1, 13, 10), qbmsg::NoWindow);
+    EXPECT_EQ(qbWindowGetProperty(wid, QBWINDOW_TEXT_SIZE), qbmsg::NoWindow);
 }
 
 TEST(QBApiFiles, ReadWholeFilesAndTellWhyNot) {
@@ -136,7 +136,7 @@ TEST(QBApiFiles, ReadWholeFilesAndTellWhyNot) {
     EXPECT_EQ(qbReadFileToString(QB_SOURCE_DIR "/examples/include/geometry.h", text, 0, 0, 2), 0);
     EXPECT_TRUE(text.beginsWith("/* Shapes"));
     EXPECT_EQ(qbReadFileToString(QB_SOURCE_DIR "/no/such/file", text, 0, 0, 2), -2);
-    EXPECT_EQ(qbReadFileToString(QB_SOURCE_DIR "/examples", text, 0, 0, 2), QBHOST_ERR_READ);
+    EXPECT_EQ(qbReadFileToString(QB_SOURCE_DIR "/examples", text, 0, 0, 2), qbmsg::FileUnreadable);
     EXPECT_EQ(qbReadFileToString(quernbase::QBString(), text, 0, 0, 2), -3015);
     setenv("QBAPI_TEST_VAR", "value", 1);
     EXPECT_STREQ(qbpsGetEnv("QBAPI_TEST_VAR").get(), "value");

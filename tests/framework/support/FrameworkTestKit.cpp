@@ -74,8 +74,8 @@ std::string message;
 
 const char* textFor(int code) {
     switch (code) {
-    case BPMSG_ERROR_PREFIX: return "%s0(%s1,%s2) error %s3: ";
-    case BPMSG_WARNING_PREFIX: return "%s0(%s1,%s2) warning %s3: ";
+    case qbmsg::ErrorPrefix: return "%s0(%s1,%s2) error %s3: ";
+    case qbmsg::WarningPrefix: return "%s0(%s1,%s2) warning %s3: ";
     case -8001: return "syntax error at '%s0'";
     case -8002: return "'%s0' expected before '%s1'";
     case -8006: return "suspicious characters";
@@ -86,7 +86,7 @@ const char* textFor(int code) {
 
 const char* getMessage(int code) {
     std::string pattern = textFor(code);
-    if ((code == BPMSG_ERROR_PREFIX || code == BPMSG_WARNING_PREFIX) && parameters[3] == "-8999")
+    if ((code == qbmsg::ErrorPrefix || code == qbmsg::WarningPrefix) && parameters[3] == "-8999")
         pattern.clear();
     message.clear();
     for (size_t i = 0; i < pattern.size(); ++i) {

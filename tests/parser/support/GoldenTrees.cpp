@@ -11,6 +11,7 @@
 #include "CPLexer.h"
 #include "CPParse.h"
 #include "CPWhitespaceFilter.h"
+#include "MessageLines.h"
 
 using quernbase::QBString;
 
@@ -30,9 +31,9 @@ ParsedSource parseSource(const std::string& source) {
         out.makeEmpty();
         unit->printToString(out, 0, false);
         result.tree = out.get();
-        out.makeEmpty();
-        unit->appendErrors(out);
-        result.errors = out.get();
+        TBPErrorLog<CPParseNodeType> log;
+        unit->collectErrors(log);
+        result.errors = messageLines(log);
         unit->release();
     }
     filter->release();

@@ -2,8 +2,6 @@
 
 using quernbase::QBString;
 
-std::string str(const QBString& s) { return s.isNull() ? std::string("(null)") : std::string(s.get()); }
-
 std::string textOf(const BaseType& t, bool normalize, bool noReturn) {
     QBString out("");
     if (t.getText(out, normalize, noReturn) != 0) return "<<failed>>";

@@ -65,4 +65,4 @@ private:
 };
 
 std::string textOf(const BaseType& t, bool normalize = false, bool noReturn = false);
-std::string str(const quernbase::QBString& s);
+std::string str(const quernbase::QBString& s);  // FrameworkTestKit.cpp
